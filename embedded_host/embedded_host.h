@@ -1,0 +1,98 @@
+// The embedded host's public face: results and machines from files, importers, and the set-up of a process.
+#pragma once
+
+#include "host_interfaces/export.h"
+#include "host_interfaces/model.h"
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace embedded_host {
+
+// A file that can't be read, or says what it must not. The text names the file, the place in it (a JSON
+// pointer, or line and column) and what was expected.
+class OMBRIX_API FileError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+enum class ResultKind { Cpu, Gpu, Offload };
+
+struct OpenOptions {
+    std::string machineFile;  // replaces the result's own machine when not empty
+};
+
+// A result in memory. Reading it is safe from several threads; `load` belongs to the thread that calls the
+// library.
+class OMBRIX_API Result {
+public:
+    virtual ~Result() = default;
+    virtual ResultKind kind() const = 0;
+    // The name and version of the machine whose roofs are used; empty when none is known.
+    virtual std::string machineName() const = 0;
+    // What the library is given. The view model shares the result's data and outlives this object.
+    virtual std::shared_ptr<data_models2::ISurveyingViewModel> viewModel() const = 0;
+    // Tells the subscribers of the view model that a result is there.
+    virtual void load(data_models2::IViewModelBase::LoadType type) = 0;
+};
+
+// Reads a result file whole, checks it, derives what it leaves out. Throws FileError; nothing is half loaded.
+OMBRIX_API std::shared_ptr<Result> openResult(const std::string& path, const OpenOptions& options = {});
+// The same from a text; `path` is named in errors and is where a relative machine path starts.
+OMBRIX_API std::shared_ptr<Result> parseResult(const std::string& text, const std::string& path,
+                                               const OpenOptions& options = {});
+
+// One column of a table as one field: the cell times the factor (text fields have factor 1).
+struct ColumnMapping {
+    std::string field;
+    std::string column;
+    double factor = 1.0;
+};
+
+struct CsvImport {
+    std::string file;
+    std::vector<ColumnMapping> map;
+    std::vector<std::pair<std::string, std::string>> set;  // field and value, for every row
+    ResultKind kind = ResultKind::Cpu;
+    std::string joinFile;     // a second table whose columns are appended; empty: none
+    std::string joinColumn;   // the column that both tables have
+    std::string machineFile;  // written into the result as it stands
+    std::string programName;  // default: the file's name
+};
+
+// Makes the text of a result file of a table with a header. Throws FileError.
+// `progress` may be empty; it is given done and all rows from time to time and returns false to cancel, which
+// throws FileError("cancelled").
+using Progress = std::function<bool(std::size_t done, std::size_t all)>;
+OMBRIX_API std::string importCsv(const CsvImport& import, const Progress& progress = {});
+
+// Makes the text of a machine file of a table with the columns threads, roof, unit, value and, if there, how.
+OMBRIX_API std::string importRoofs(const std::string& csvFile, const std::string& machineName);
+
+// Reads a file whole; throws FileError.
+OMBRIX_API std::string readFile(const std::string& path);
+// Writes to a temporary beside `path` and renames it. An existing file is replaced only with `overwrite`;
+// throws FileError.
+OMBRIX_API void writeFile(const std::string& path, const std::string& text, bool overwrite);
+
+// The set-up of a process. Call before anything else of the library.
+// Without it log4cplus prints a complaint; debug messages go to stderr when `debug` is set, else nowhere.
+OMBRIX_API void setUpLogging(bool debug);
+// The language of all messages ("en" by default); refused (false) when there is no such catalogue or a
+// message was already looked up.
+OMBRIX_API bool setLanguage(const std::string& language);
+// Where a file "messages/<language>.json" overrides the built-in texts; default: beside the program.
+OMBRIX_API void setMessageFolder(const std::string& folder);
+// Replaces what an assertion does (default: one line on stderr); an empty handler restores the default.
+using AssertionHandler =
+    std::function<void(const std::string& expression, const std::string& unit, int line)>;
+OMBRIX_API void setAssertionHandler(AssertionHandler handler);
+
+// A number for people: `precision` digits, thousands are not grouped; "N/A" for a value that isn't finite.
+OMBRIX_API std::string formatNumber(double value, int significantDigits);
+
+}  // namespace embedded_host

@@ -1,0 +1,73 @@
+// The functions that a host of the library defines. The embedded host's are in embedded_host/services; a host
+// of its own brings its own and links without them.
+#pragma once
+
+#include "host_interfaces/export.h"
+#include "host_interfaces/model.h"
+#include "host_interfaces/records.h"
+#include "host_interfaces/roofline_services.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace data_models2 {
+
+// Reports that a program invariant is broken and returns: the caller goes on safely. `unit` is the source
+// unit, such as "roofline_model/unified/roofline_options".
+OMBRIX_API void reportAssertion(const char* expression, const char* unit, int line);
+
+// The textual name of a field, unique among all fields; "field<number>" for an unknown one.
+OMBRIX_API std::string getFieldStringId(FieldId field);
+
+// A walker over `dataset`; null for a null dataset.
+OMBRIX_API sptr_t<IDatasetHelper> createDatasetHelper(const sptr_t<IDataset>& dataset);
+
+// The messages of one catalogue in the language of the process.
+class OMBRIX_API IMessageCatalogue {
+public:
+    virtual ~IMessageCatalogue() = default;
+    // Whether the catalogue has the message; no trace is left when it hasn't.
+    virtual bool has(const std::string& id) const = 0;
+    // The message with "%1" to "%3" replaced by the arguments' text forms and "%%" by "%"; an empty variant
+    // and a missing argument read as an empty text. Empty when there is no such message.
+    virtual std::string format(const std::string& id, const std::vector<variant_t>& arguments) const = 0;
+};
+// Null when there is no such catalogue. The same object for the life of the process.
+OMBRIX_API std::shared_ptr<const IMessageCatalogue> loadMessageCatalogue(const std::string& name);
+inline constexpr std::size_t kMaxMessageArguments = 3;
+
+// The text form of a variant: integers in decimal, floating kinds through a default stream, texts as they
+// are, an empty text for all else.
+OMBRIX_API std::string toText(const variant_t& value);
+
+namespace roof {
+// Float for a compute roof of a float type, Int for an integer type, Undefined for a memory roof.
+OMBRIX_API OperationsType getOperationsType(const RoofItem& roof);
+OMBRIX_API bool hasType(const RoofItem& roof, RoofItem::Type type);
+// The text by which the roof table selects the roofs of a thread set-up.
+OMBRIX_API std::string getCpuRoofConfiguration(const RoofThreadingFeatures& features,
+                                               OperationsType operations,
+                                               IRooflineInfo::Perspective perspective);
+OMBRIX_API std::string getCpuRoofConfiguration(int threadCount, int packageCount,
+                                               RoofThreadingFeatures::Strategy strategy,
+                                               OperationsType operations,
+                                               IRooflineInfo::Perspective perspective);
+}  // namespace roof
+
+namespace roofline_helpers {
+// The name of a memory level, as options and metrics use it: "L1", "DRAM", "L3gpu". Empty for no level. A
+// level that only devices have gives its "gpu" name for a CPU too.
+OMBRIX_API std::string getMemoryRooflineType(MemoryLevel level, TargetDeviceType target);
+// The roof of a device's last memory level, by the level's name.
+OMBRIX_API RoofId getGpuLastMemLevelRoofId(const std::string& name);
+}  // namespace roofline_helpers
+
+namespace library_helpers {
+// Whether the row's time belongs to a library that is known to do work which no counter sees.
+OMBRIX_API bool hasLibrary(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset, int library);
+}  // namespace library_helpers
+
+}  // namespace data_models2

@@ -1,0 +1,80 @@
+// The services that the library offers to its host.
+#pragma once
+
+#include "host_interfaces/export.h"
+#include "host_interfaces/model.h"
+#include "host_interfaces/signals.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace data_models2 {
+
+struct ComparisonData;
+class IResultController;
+
+class OMBRIX_API ISummaryDataProvider {
+public:
+    // Answers with the summary's JSON text, at once or when it is known; a kind other than 0 answers with an
+    // empty text. Throws std::bad_function_call when `callback` is empty and `kind` is not 0.
+    virtual void loadSummaryData(int kind, const std::function<void(const std::string&)>& callback) = 0;
+    virtual ~ISummaryDataProvider() = default;
+};
+
+// The roofline of a whole result. No exception leaves an operation (but for the one told above): what can't
+// be answered is answered with an empty text, `false`, or a document that says why. All calls of one object
+// come from one thread, the one on which the view model raises its load signal.
+//
+// A configuration is what was chosen in the option tree: option values joined with "-", such as "f-1-L1-all";
+// a group that is not mentioned stands at its default.
+class OMBRIX_API IRooflineInfo : public ISummaryDataProvider {
+public:
+    // What the selected roofs are chosen for.
+    enum class Perspective : int { Vectorized = 1, NotVectorized = 2, Program = 3 };
+
+    // The option tree, a JSON object.
+    virtual std::string getRooflineOptions() const = 0;
+    // The chart without its roofs, a JSON object. A null dataset is replaced by the view model's own.
+    virtual std::string getRooflineData(sptr_t<IDataset> dataset, const std::string& configuration) = 0;
+    // The same with the dataset of total data.
+    virtual std::string getRooflineData(sptr_t<IDataset> dataset, sptr_t<IDataset> secondDataset,
+                                        const std::string& configuration) = 0;
+    // The roofs for a thread set-up, a JSON array.
+    virtual std::string getRoofs(const std::string& configuration, const RoofThreadingFeatures& features,
+                                 Perspective perspective) const = 0;
+    // The roofs of each thread set-up that a chart can offer, a JSON array.
+    virtual std::string getAllRoofs(const std::string& configuration) const = 0;
+    // Which roofs are shown at first, a JSON object.
+    virtual std::string getSelectedRoofs(const std::string& configuration, Perspective perspective) const = 0;
+    // Cores, packages and used threads, a JSON object.
+    virtual std::string getThreadsInfo() const = 0;
+    // The details of the loops that `request` names, a JSON object.
+    virtual std::string getLoopAdditionalInfo(const std::string& request,
+                                              std::shared_ptr<IResultController> controller,
+                                              const std::string& configuration) const = 0;
+    virtual bool clearHighlighting(DataType type) = 0;
+    // The whole configuration that the given option values stand for.
+    virtual std::string getRooflineConfigurationStr(const std::vector<std::string>& captions) const = 0;
+    // The values of a matched pair of rows, a JSON object.
+    virtual std::string getComparisonData(const ComparisonData& data, const std::string& ids,
+                                          const std::string& configuration) const = 0;
+    // Of one row: float work dominates (1, 0; 2 unknown), width of its floats (0 single, 1 double; 2
+    // unknown), width of its integers (0 to 6 for 4 to 256 bits; 7 unknown).
+    virtual int getDominatingOperationType(sptr_t<RowNode> row) const = 0;
+    virtual int getDominatingFloatType(sptr_t<RowNode> row) const = 0;
+    virtual int getDominatingIntType(sptr_t<RowNode> row) const = 0;
+    // The frame of a report, a JSON object.
+    virtual std::string getReportTemplate(std::shared_ptr<IResultController>) const { return {}; }
+    // The user's own value of a roof, bytes or operations per second, for a thread set-up.
+    virtual bool setCustomRoofValues(RoofId, unsigned long long /*value*/, const RoofThreadingFeatures&) {
+        return false;
+    }
+    virtual bool clearCustomRoofValues(const RoofThreadingFeatures&) { return false; }
+
+    // Raised when an answer has changed without a new load.
+    signal_t<> changed;
+};
+
+}  // namespace data_models2
