@@ -1,9 +1,9 @@
 // The factories of the library: all that a host needs beside host_interfaces.
 #pragma once
 
-#include <memory>
-
 #include "host_interfaces/roofline_services.h"
+
+#include <memory>
 
 namespace data_models2 {
 

@@ -1,0 +1,101 @@
+// `roofline chart`: the chart as document, table, CSV and picture.
+#include "cli/answer.h"
+#include "cli/chart_document.h"
+#include "cli/chart_table.h"
+#include "cli/picture/picture.h"
+#include "cli/session.h"
+#include "cli/text.h"
+#include "cli/unplaced_rows.h"
+
+#include <fmt/format.h>
+
+#include <array>
+
+namespace cli {
+namespace {
+
+struct Chart {
+    Session session;
+    std::string configuration;  // as asked for
+    std::string complete;       // every group written out
+    std::string json;
+    std::string roofs;
+    ChartDocument document;
+    RowCount count;
+};
+
+Chart makeChart(const ChartRequest& request) {
+    Chart chart;
+    chart.session = openSession(request.source);
+    auto& engine = *chart.session.engine;
+    chart.configuration = chooseConfiguration(chart.session, request.configuration);
+    chart.complete = completeConfiguration(chart.session, chart.configuration);
+    chart.json = engine.getRooflineData(chart.session.rows, chart.session.tree, chart.configuration);
+    if (chart.json.empty())
+        throw std::runtime_error(
+            fmt::format("the library has no chart for configuration '{}'", chart.configuration));
+    chart.roofs = engine.getRoofs(chart.configuration, threadingOf(chart.session, request.roofs),
+                                  perspectiveOf(request.roofs));
+    chart.document = parseChartDocument(chart.json);
+    chart.count = countRows(chart.session.rows, chart.session.tree, chart.document, chart.complete);
+    return chart;
+}
+
+std::string draw(const Chart& chart) {
+    PictureOptions options;
+    options.title = chart.session.viewModel->getProgramInfo().name;
+    if (options.title.empty()) options.title = "Roofline";
+    const auto machine = chart.session.result->machineName();
+    options.subtitle = machine.empty() ? chart.complete : fmt::format("{}  |  {}", machine, chart.complete);
+    return drawChart(chart.json, chart.roofs, chart.count.unplaced, options);
+}
+
+// Where a newcomer would be stuck, and what helps.
+struct Hint {
+    bool (*applies)(const Chart&);
+    std::string_view text;
+};
+
+bool onlyOther(const Chart& chart, const char* asked, const char* other) {
+    return !chart.document.hasData() && operationsOf(chart.complete) == asked &&
+           !hasOperations(chart.session.rows, asked) && hasOperations(chart.session.rows, other);
+}
+
+bool lacksLevel(const Chart& chart) {
+    const auto& causes = chart.count.unplaced;
+    return !chart.document.hasData() && chart.count.rows > 0 && causes.size() == 1 &&
+           causes.front().cause == "no traffic";
+}
+
+constexpr std::array<Hint, 5> kHints{{
+    {[](const Chart& chart) { return onlyOther(chart, "f", "i"); },
+     "no float operations here: try --config i"},
+    {[](const Chart& chart) { return onlyOther(chart, "i", "f"); },
+     "no integer operations here: try --config f"},
+    {lacksLevel, "no traffic of that memory level here: `roofline options RESULT --table` lists the levels"},
+    {[](const Chart& chart) { return chart.count.rows == 0; },
+     "the result has no rows that a chart could draw"},
+    {[](const Chart& chart) { return chart.session.result->machineName().empty(); },
+     "this result knows no machine, so the chart has no roofs: give one with --machine FILE"},
+}};
+
+}  // namespace
+
+int runChart(const ChartRequest& request, Console& console) {
+    const auto chart = makeChart(request);
+    Answer answer;
+    answer.json = [&] { return chart.json; };
+    answer.csv = [&] { return chartCsv(chart.document); };
+    answer.svg = [&] { return draw(chart); };
+    answer.table = [&] { return chartText(chart.document, chart.count); };
+    const bool hasData = chart.document.hasData();
+    hasData ? deliver(answer, request.outputs, console) : deliverFilesOnly(answer, request.outputs, console);
+    if (!hasData)
+        console.err << fmt::format("{}: {}\n", cleanText(chart.document.noDataTitle),
+                                   cleanText(chart.document.noDataDescription));
+    for (const auto& hint : kHints)
+        if (hint.applies(chart)) console.err << "hint: " << hint.text << '\n';
+    return hasData ? kDone : kNoAnswer;
+}
+
+}  // namespace cli

@@ -1,0 +1,121 @@
+// Reading of the chart document.
+#include "cli/chart_document.h"
+
+#include "cli/json.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <set>
+
+namespace cli {
+namespace {
+
+using json::Value;
+
+// Beyond any logarithm of a double: no coordinate.
+constexpr double kLargestLogarithm = 400.0;
+
+std::optional<double> coordinate(const Value& record, const char* name) {
+    const auto value = json::number(record, name);
+    return value && std::abs(*value) <= kLargestLogarithm ? value : std::nullopt;
+}
+
+// "L1-DRAM-" as people read it: every caption has a "-" behind it.
+std::string levelOf(std::string prefix) {
+    if (!prefix.empty() && prefix.back() == '-') prefix.pop_back();
+    std::replace(prefix.begin(), prefix.end(), '-', '+');
+    return prefix;
+}
+
+struct Reader {
+    const Value& root;
+    bool isTotal = json::number(root, "withCallstacks").value_or(0) > 0;
+    // The records of the first configuration carry no level: it is the chart's first.
+    std::string defaultLevel = levelOf(json::text(root, "memoryLevelPref"));
+    const char* timeKey = isTotal ? "totalElapsedTime" : "selfElapsedTime";
+    std::optional<double> programTime = json::number(root, timeKey);
+
+    bool read(const Value& record, ChartPoint& point) const {
+        const bool hasTotal = coordinate(record, "x1") && coordinate(record, "y1");
+        const auto x = coordinate(record, hasTotal ? "x1" : "x");
+        const auto y = coordinate(record, hasTotal ? "y1" : "y");
+        if (!x || !y) return false;
+        point.x = *x;
+        point.y = *y;
+        point.id = json::text(record, "id");
+        point.name = json::text(record, "name");
+        point.location = json::text(record, "locat");
+        point.level = levelOf(json::text(record, "memoryLevelPref"));
+        if (point.level.empty()) point.level = defaultLevel.substr(0, defaultLevel.find('+'));
+        if (const auto* types = json::member(root, "loopTypes"))
+            point.type = json::text(*types, json::text(record, "type").c_str());
+        if (const auto vectorised = json::number(record, "vec")) point.vectorised = *vectorised > 0;
+        point.seconds = json::number(record, timeKey);
+        if (point.seconds && programTime && *programTime > 0) point.share = *point.seconds / *programTime;
+        return true;
+    }
+};
+
+}  // namespace
+
+std::vector<std::string> ChartDocument::levels() const {
+    std::vector<std::string> found;
+    for (const auto& point : points)
+        if (std::find(found.begin(), found.end(), point.level) == found.end()) found.push_back(point.level);
+    return found;
+}
+
+std::size_t ChartDocument::rowCount() const {
+    std::set<std::string_view> ids;
+    std::size_t nameless = 0;
+    for (const auto& point : points) point.id.empty() ? void(++nameless) : void(ids.insert(point.id));
+    return ids.size() + nameless;
+}
+
+ChartDocument parseChartDocument(const std::string& text) {
+    const auto root = json::parse(text, "the chart document");
+    ChartDocument document;
+    if (const auto* message = json::member(root, "noDataMessage")) {
+        document.noDataTitle = json::text(*message, "title");
+        document.noDataDescription = json::text(*message, "descr");
+        if (document.hasData()) document.noDataTitle = "no data";
+    }
+    document.nameX = json::text(root, "nameX");
+    document.nameY = json::text(root, "nameY");
+    document.measureX = json::text(root, "measureX");
+    document.measureY = json::text(root, "measureY");
+    const auto minX = coordinate(root, "minX"), minY = coordinate(root, "minY");
+    const auto maxX = coordinate(root, "maxX"), maxY = coordinate(root, "maxY");
+    if (minX && minY && maxX && maxY) document.bounds = ChartBounds{*minX, *minY, *maxX, *maxY};
+
+    const Reader reader{root};
+    for (const auto& record : json::items(root, "loops")) {
+        ChartPoint point;
+        if (reader.read(record, point)) document.points.push_back(std::move(point));
+    }
+    std::stable_sort(document.points.begin(), document.points.end(),
+                     [](const ChartPoint& a, const ChartPoint& b) {
+                         return a.share.value_or(-1.0) > b.share.value_or(-1.0);
+                     });
+    for (const auto& record : json::items(root, "programTotal")) {
+        const auto x = coordinate(record, "x"), y = coordinate(record, "y");
+        if (x && y)
+            document.totals.push_back({json::text(record, "name"), json::text(record, "descr"), *x, *y});
+    }
+    return document;
+}
+
+std::vector<Roof> parseRoofs(const std::string& text) {
+    const auto root = json::parse(text, "the roofs");
+    std::vector<Roof> roofs;
+    for (const auto& item : json::items(root)) {
+        const auto value = json::number(item, "val");
+        if (!value || *value <= 0) continue;
+        roofs.push_back(
+            {json::text(item, "name"), json::text(item, "measure"), *value, json::flag(item, "isMem")});
+    }
+    return roofs;
+}
+
+}  // namespace cli

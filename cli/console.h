@@ -1,0 +1,25 @@
+// What a subcommand talks to, how it can end, and the one exception that means wrong usage.
+#pragma once
+
+#include <ostream>
+#include <stdexcept>
+
+namespace cli {
+
+// Answers go to `out`, words for people to `err`.
+struct Console {
+    std::ostream& out;
+    std::ostream& err;
+    bool outIsTerminal = false;
+    bool errIsTerminal = false;
+};
+
+enum ExitCode : int { kDone = 0, kNoAnswer = 1, kUsage = 2, kCancelled = 130 };
+
+// The command line asks for something that can't be meant; ends with kUsage.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+}  // namespace cli

@@ -1,0 +1,213 @@
+// The command line: what each subcommand takes, and how failures end. The only file that includes CLI11.
+#include "cli/program.h"
+
+#include "embedded_host/embedded_host.h"
+
+#include "cli/answer.h"
+#include "cli/progress.h"
+#include "cli/requests.h"
+#include "cli/text.h"
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace cli {
+namespace {
+
+struct Commands {
+    CLI::App app{"Charts measured loops against the roofs of their machine.", "roofline"};
+    bool debug = false;
+    std::vector<std::pair<CLI::App*, std::function<int(Console&)>>> runs;
+
+    // The request lives as long as the command's function.
+    template <class Request>
+    std::pair<CLI::App*, std::shared_ptr<Request>> add(CLI::App& parent, const char* name, const char* what,
+                                                       const char* example,
+                                                       int (*run)(const Request&, Console&)) {
+        auto* command = parent.add_subcommand(name, what);
+        command->footer(std::string("Example:\n  ") + example);
+        auto request = std::make_shared<Request>();
+        runs.emplace_back(command, [request, run](Console& console) {
+            if constexpr (requires { request->outputs; }) checkOutputs(request->outputs);
+            return run(*request, console);
+        });
+        return {command, request};
+    }
+};
+
+void addOutputs(CLI::App& command, Outputs& outputs, const char* bare) {
+    command.add_option("--json", outputs.json, "write the JSON answer to FILE, or to stdout for -")
+        ->type_name("FILE");
+    command.add_option("--csv", outputs.csv, "write a CSV table to FILE, or to stdout for -")
+        ->type_name("FILE");
+    command.add_flag("--table", outputs.table,
+                     std::string("print a readable table; without any output: ") + bare);
+}
+
+void addSource(CLI::App& command, ResultSource& source) {
+    command.add_option("RESULT", source.file, "result file")->required()->type_name("");
+    command.add_option("--machine", source.machine, "machine file in place of the result's own")
+        ->type_name("FILE");
+    command.add_option("--language", source.language, "language of the library's texts, such as en")
+        ->type_name("LANGUAGE");
+}
+
+void addRoofChoice(CLI::App& command, RoofChoice& roofs) {
+    command
+        .add_option("--threads", roofs.threads, "threads that the roofs assume; 0: those the program used")
+        ->check(CLI::Range(0, 1 << 20))
+        ->type_name("N");
+    command
+        .add_option("--packages", roofs.packages, "packages that the roofs assume; 0: as the threads need")
+        ->check(CLI::Range(0, 1 << 10))
+        ->type_name("N");
+    command.add_flag("--single", roofs.single, "roofs of one thread instead of all together");
+    command
+        .add_option("--perspective", roofs.perspective,
+                    "roofs for 1 vectorised, 2 not vectorised code, 3 the whole program")
+        ->check(CLI::Range(1, 3))
+        ->type_name("1|2|3");
+}
+
+void addConfiguration(CLI::App& command, std::optional<std::string>& configuration) {
+    command
+        .add_option("--config", configuration,
+                    "option values joined with '-', such as f-L1-all; default: the options' defaults")
+        ->type_name("CONFIG");
+}
+
+void addReaders(Commands& commands) {
+    auto [fields, fieldsRequest] =
+        commands.add<FieldsRequest>(commands.app, "fields", "List the columns that a result can have",
+                                    "roofline fields --csv fields.csv", runFields);
+    addOutputs(*fields, fieldsRequest->outputs, "the table");
+
+    auto [options, optionsRequest] =
+        commands.add<OptionsRequest>(commands.app, "options", "Tell what can be chosen for a chart",
+                                     "roofline options result.json --table", runOptions);
+    addSource(*options, optionsRequest->source);
+    addOutputs(*options, optionsRequest->outputs, "the JSON");
+
+    auto [threads, threadsRequest] =
+        commands.add<ThreadsRequest>(commands.app, "threads", "Tell cores, packages and used threads",
+                                     "roofline threads result.json --table", runThreads);
+    addSource(*threads, threadsRequest->source);
+    addOutputs(*threads, threadsRequest->outputs, "the JSON");
+
+    auto [roofs, roofsRequest] =
+        commands.add<RoofsRequest>(commands.app, "roofs", "List the machine's roofs for a thread set-up",
+                                   "roofline roofs result.json --threads 4 --table", runRoofs);
+    addSource(*roofs, roofsRequest->source);
+    addConfiguration(*roofs, roofsRequest->configuration);
+    addRoofChoice(*roofs, roofsRequest->roofs);
+    roofs->add_flag("--all", roofsRequest->all, "for each thread set-up that a chart can offer");
+    addOutputs(*roofs, roofsRequest->outputs, "the JSON");
+
+    auto [chart, chartRequest] = commands.add<ChartRequest>(
+        commands.app, "chart", "Make the roofline chart of a result",
+        "roofline chart result.json --svg chart.svg --json chart.json --table", runChart);
+    addSource(*chart, chartRequest->source);
+    addConfiguration(*chart, chartRequest->configuration);
+    addRoofChoice(*chart, chartRequest->roofs);
+    addOutputs(*chart, chartRequest->outputs, "the table");
+    chart->add_option("--svg", chartRequest->outputs.svg, "write a picture to FILE, or to stdout for -")
+        ->type_name("FILE");
+}
+
+void addTarget(CLI::App& command, std::string& output, bool& force) {
+    command.add_option("-o,--output", output, "file to write; default: stdout")->type_name("FILE");
+    command.add_flag("--force", force, "replace an existing file");
+}
+
+void addImports(Commands& commands) {
+    auto* import = commands.app.add_subcommand("import", "Make result and machine files of tables");
+    import->require_subcommand(1);
+
+    auto [csv, csvRequest] = commands.add<ImportCsvRequest>(
+        *import, "csv", "Make a result of a table with a header",
+        "roofline import csv runs.csv --map FunctionName=kernel SelfElapsedTime=time_ms*1e-3 \\\n"
+        "      SelfFloatOps=gflop SelfMemL1=gbyte --set ThreadCount=1 --machine machine.json -o result.json",
+        runImportCsv);
+    csv->add_option("FILE", csvRequest->file, "the table")->required()->type_name("");
+    csv->add_option("--map", csvRequest->map, "a field's column and factor (see `roofline fields`)")
+        ->type_name("FIELD=COLUMN[*FACTOR]");
+    csv->add_option("--set", csvRequest->set, "a field's value for every row")->type_name("FIELD=VALUE");
+    csv->add_option("--kind", csvRequest->kind, "kind of result")
+        ->check(CLI::IsMember({"cpu", "gpu", "offload"}))
+        ->capture_default_str();
+    csv->add_option("--join", csvRequest->join, "a second table whose columns are appended")
+        ->type_name("FILE");
+    csv->add_option("--on", csvRequest->on, "the column by which the tables are joined")->type_name("COLUMN");
+    csv->add_option("--machine", csvRequest->machine, "the machine file to name in the result")
+        ->type_name("FILE");
+    csv->add_option("--program", csvRequest->program, "name of the program; default: the table's file name")
+        ->type_name("NAME");
+    addTarget(*csv, csvRequest->output, csvRequest->force);
+
+    auto [roofs, roofsRequest] = commands.add<ImportRoofsRequest>(
+        *import, "roofs", "Make a machine file of a table with the columns threads, roof, unit, value",
+        "roofline import roofs roofs.csv --name 'my machine' -o machine.json", runImportRoofs);
+    roofs->add_option("FILE", roofsRequest->file, "the table")->required()->type_name("");
+    roofs->add_option("--name", roofsRequest->name, "name of the machine; default: the table's file name")
+        ->type_name("NAME");
+    addTarget(*roofs, roofsRequest->output, roofsRequest->force);
+}
+
+void addAll(Commands& commands) {
+    auto& app = commands.app;
+    app.set_version_flag("--version", std::string("roofline ") + OMBRIX_VERSION);
+    app.set_help_all_flag("--help-all", "print the help of every subcommand");
+    app.add_flag("--debug", commands.debug, "print the library's debug messages on stderr");
+    app.require_subcommand(1);
+    app.footer(
+        "Exit codes: 0 done, 1 bad data or no answer, 2 wrong usage, 130 cancelled.\n"
+        "Example:\n  roofline chart result.json --svg chart.svg --table");
+    addReaders(commands);
+    addImports(commands);
+}
+
+int runParsed(Commands& commands, Console& console) {
+    embedded_host::setUpLogging(commands.debug);
+    for (const auto& [command, run] : commands.runs)
+        if (command->parsed()) return run(console);
+    return kUsage;
+}
+
+int explain(const std::string& reason, ExitCode code, Console& console) {
+    console.err << "roofline: " << cleanText(reason) << '\n';
+    return code;
+}
+
+int parseAndRun(int argc, const char* const* argv, Console& console) {
+    Commands commands;
+    addAll(commands);
+    try {
+        commands.app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        // Help and version come as "errors" with the exit code 0.
+        if (error.get_exit_code() == 0) return commands.app.exit(error, console.out, console.err);
+        return explain(std::string(error.what()) + " (see roofline --help)", kUsage, console);
+    }
+    return runParsed(commands, console);
+}
+
+}  // namespace
+
+int runRoofline(int argc, const char* const* argv, Console& console) {
+    try {
+        return parseAndRun(argc, argv, console);
+    } catch (const UsageError& error) {
+        return explain(error.what(), kUsage, console);
+    } catch (const Cancelled& error) {
+        return explain(error.what(), kCancelled, console);
+    } catch (const std::exception& error) {
+        return explain(error.what(), kNoAnswer, console);
+    }
+}
+
+}  // namespace cli

@@ -1,0 +1,84 @@
+// What each subcommand was asked for, and the functions that answer. Each stands in a file of its own.
+#pragma once
+
+#include "cli/console.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+// Where answers go: a file's path, "-" for stdout, empty for nowhere.
+struct Outputs {
+    std::string json;
+    std::string csv;
+    std::string svg;
+    bool table = false;  // readable, on stdout
+};
+
+struct ResultSource {
+    std::string file;
+    std::string machine;   // replaces the result's machine; empty: its own
+    std::string language;  // of the library's texts; empty: the default
+};
+
+struct RoofChoice {
+    int threads = 0;      // 0: as many as the program used
+    int packages = 0;     // 0: as many as the threads need
+    int perspective = 3;  // of IRooflineInfo
+    bool single = false;
+};
+
+struct FieldsRequest {
+    Outputs outputs;
+};
+struct OptionsRequest {
+    ResultSource source;
+    Outputs outputs;
+};
+struct ThreadsRequest {
+    ResultSource source;
+    Outputs outputs;
+};
+struct RoofsRequest {
+    ResultSource source;
+    Outputs outputs;
+    std::optional<std::string> configuration;
+    RoofChoice roofs;
+    bool all = false;  // for each thread set-up that a chart can offer
+};
+struct ChartRequest {
+    ResultSource source;
+    Outputs outputs;
+    std::optional<std::string> configuration;
+    RoofChoice roofs;
+};
+struct ImportCsvRequest {
+    std::string file;
+    std::vector<std::string> map;  // FIELD=COLUMN[*FACTOR]
+    std::vector<std::string> set;  // FIELD=VALUE
+    std::string kind = "cpu";
+    std::string join;
+    std::string on;
+    std::string machine;
+    std::string program;
+    std::string output;  // empty or "-": stdout
+    bool force = false;
+};
+struct ImportRoofsRequest {
+    std::string file;
+    std::string name;
+    std::string output;
+    bool force = false;
+};
+
+int runFields(const FieldsRequest&, Console&);
+int runOptions(const OptionsRequest&, Console&);
+int runThreads(const ThreadsRequest&, Console&);
+int runRoofs(const RoofsRequest&, Console&);
+int runChart(const ChartRequest&, Console&);
+int runImportCsv(const ImportCsvRequest&, Console&);
+int runImportRoofs(const ImportRoofsRequest&, Console&);
+
+}  // namespace cli

@@ -1,0 +1,115 @@
+// Opening of results and the choices that depend on one.
+#include "cli/session.h"
+
+#include "roofline_model/factories.h"
+
+#include "cli/json.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <sstream>
+
+namespace cli {
+namespace {
+
+using namespace data_models2;
+using embedded_host::ResultKind;
+
+using Factory = std::shared_ptr<IRooflineInfo> (*)(std::shared_ptr<ISurveyingViewModel>);
+
+struct Kind {
+    ResultKind kind;
+    std::string_view name;
+    DataType rows;
+    DataType tree;
+    Factory createEngine;  // null: the library has no engine for this kind
+};
+
+constexpr std::array<Kind, 3> kKinds{{
+    {ResultKind::Cpu, "CPU", DataType::Cpu, DataType::CpuTopDown, createRooflineInfo},
+    {ResultKind::Gpu, "GPU", DataType::Gpu, DataType::None, nullptr},
+    {ResultKind::Offload, "offload", DataType::Offload, DataType::None, nullptr},
+}};
+
+std::vector<std::string> split(const std::string& configuration) {
+    std::vector<std::string> values;
+    std::istringstream stream(configuration);
+    for (std::string value; std::getline(stream, value, '-');) values.push_back(value);
+    return values;
+}
+
+std::vector<std::string> knownValues(const Session& session) {
+    std::vector<std::string> values;
+    const auto options = json::parse(session.engine->getRooflineOptions(), "the library's options");
+    for (const auto& group : json::items(options, "groups"))
+        for (const auto& option : json::items(group, "options"))
+            values.push_back(json::text(option, "value"));
+    return values;
+}
+
+}  // namespace
+
+Session openSession(const ResultSource& source) {
+    if (!source.language.empty() && !embedded_host::setLanguage(source.language))
+        throw UsageError(fmt::format("--language: there are no texts in '{}'", source.language));
+    embedded_host::OpenOptions options;
+    options.machineFile = source.machine;
+
+    Session session;
+    session.result = embedded_host::openResult(source.file, options);
+    const auto kind = std::find_if(kKinds.begin(), kKinds.end(),
+                                   [&](const Kind& each) { return each.kind == session.result->kind(); });
+    if (kind == kKinds.end() || !kind->createEngine)
+        throw embedded_host::FileError(
+            fmt::format("{}: {} results can't be charted by this version", source.file,
+                        kind == kKinds.end() ? std::string_view("these") : kind->name));
+    // The engine listens for the load, so it comes first.
+    session.viewModel = session.result->viewModel();
+    session.engine = kind->createEngine(session.viewModel);
+    session.result->load(IViewModelBase::LoadType::Result);
+    session.rows = session.viewModel->getDataset(kind->rows);
+    if (kind->tree != DataType::None) session.tree = session.viewModel->getDataset(kind->tree);
+    return session;
+}
+
+std::string chooseConfiguration(const Session& session, const std::optional<std::string>& given) {
+    if (!given) return session.engine->getRooflineConfigurationStr({});
+    const auto known = knownValues(session);
+    for (const auto& value : split(*given)) {
+        if (std::find(known.begin(), known.end(), value) != known.end()) continue;
+        throw UsageError(fmt::format("--config: this result has no option '{}'; there are {}", value,
+                                     fmt::join(known, ", ")));
+    }
+    return *given;
+}
+
+std::string completeConfiguration(const Session& session, const std::string& configuration) {
+    return session.engine->getRooflineConfigurationStr(split(configuration));
+}
+
+RoofThreadingFeatures threadingOf(const Session& session, const RoofChoice& choice) {
+    using Strategy = RoofThreadingFeatures::Strategy;
+    RoofThreadingFeatures features;
+    features.threadCount = choice.threads;
+    features.strategy = choice.single ? Strategy::SingleThread : Strategy::MultiThread;
+    features.packageCount = choice.packages;
+    if (choice.packages > 0) return features;
+
+    // Threads that don't fit on one package need all of them.
+    const auto info = json::parse(session.engine->getThreadsInfo(), "the library's thread counts");
+    const auto packages =
+        std::max(1, static_cast<int>(json::number(info, "processorPackageCount").value_or(1)));
+    const auto cores = json::number(info, "physicalCoreCount").value_or(0);
+    const auto used = json::number(info, "usedNumberOfThreads").value_or(0);
+    const auto threads = choice.threads > 0 ? choice.threads : used;
+    features.packageCount = cores > 0 && threads > cores / packages ? packages : 1;
+    return features;
+}
+
+IRooflineInfo::Perspective perspectiveOf(const RoofChoice& choice) {
+    return static_cast<IRooflineInfo::Perspective>(choice.perspective);
+}
+
+}  // namespace cli

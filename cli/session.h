@@ -1,0 +1,38 @@
+// A result and the library's engine on it: the beginning of every subcommand that reads a result.
+#pragma once
+
+#include "host_interfaces/roofline_services.h"
+
+#include "embedded_host/embedded_host.h"
+
+#include "cli/requests.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace cli {
+
+struct Session {
+    std::shared_ptr<embedded_host::Result> result;
+    std::shared_ptr<data_models2::ISurveyingViewModel> viewModel;
+    std::shared_ptr<data_models2::IRooflineInfo> engine;
+    // What a chart is made of. On a CPU every row with its self data, and the call tree, null when the result
+    // has none.
+    data_models2::sptr_t<data_models2::IDataset> rows;
+    data_models2::sptr_t<data_models2::IDataset> tree;
+};
+
+// Throws embedded_host::FileError for a bad file, UsageError for an unknown language.
+Session openSession(const ResultSource& source);
+
+// The configuration to ask for: the one given, or the options' defaults. Throws UsageError when it holds a
+// value that this result's options lack: the library would fall back on defaults without a word.
+std::string chooseConfiguration(const Session& session, const std::optional<std::string>& given);
+// The same with every group's value written out.
+std::string completeConfiguration(const Session& session, const std::string& configuration);
+
+data_models2::RoofThreadingFeatures threadingOf(const Session& session, const RoofChoice& choice);
+data_models2::IRooflineInfo::Perspective perspectiveOf(const RoofChoice& choice);
+
+}  // namespace cli

@@ -1,0 +1,172 @@
+// Classifies the rows that a chart leaves out: a point needs operations, traffic and time of its own.
+#include "cli/unplaced_rows.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <set>
+#include <sstream>
+
+namespace cli {
+namespace {
+
+using namespace data_models2;
+using Dataset = sptr_t<IDataset>;
+using Row = sptr_t<RowNode>;
+
+// Rows that the chart passes over silently: no loops or functions of their own.
+constexpr std::uint64_t kNoChartRow = row_type::kNoLoop1 | row_type::kNoLoop2 | row_type::kHidden;
+
+struct OperationFields {
+    std::string_view option;
+    FieldId self, total;
+    const char* missing;
+};
+constexpr std::array<OperationFields, 3> kOperations{{
+    {"f", FieldId::SelfFloatOps, FieldId::TotalFloatOps, "no float operations"},
+    {"i", FieldId::SelfIntOps, FieldId::TotalIntOps, "no integer operations"},
+    {"b", FieldId::SelfMixedOps, FieldId::TotalMixedOps, "no operations"},
+}};
+
+struct TrafficFields {
+    std::string_view option;  // the memory level; empty: none is chosen
+    FieldId selfLoad, selfStore, totalLoad, totalStore;
+};
+constexpr std::array<TrafficFields, 6> kTraffic{{
+    {"L1", FieldId::SelfL1Load, FieldId::SelfL1Store, FieldId::TotalL1Load, FieldId::TotalL1Store},
+    {"L2", FieldId::SelfL2Load, FieldId::SelfL2Store, FieldId::TotalL2Load, FieldId::TotalL2Store},
+    {"L3", FieldId::SelfL3Load, FieldId::SelfL3Store, FieldId::TotalL3Load, FieldId::TotalL3Store},
+    {"L4", FieldId::SelfL4Load, FieldId::SelfL4Store, FieldId::TotalL4Load, FieldId::TotalL4Store},
+    {"DRAM", FieldId::SelfDramLoad, FieldId::SelfDramStore, FieldId::TotalDramLoad, FieldId::TotalDramStore},
+    {"", FieldId::SelfMemL1, FieldId::None, FieldId::TotalMem, FieldId::None},
+}};
+
+enum Cause : std::size_t { kOps, kTrafficCause, kTime, kCaller, kOther, kCauses };
+
+std::set<std::string> optionsOf(const std::string& configuration) {
+    std::set<std::string> options;
+    std::istringstream stream(configuration);
+    for (std::string option; std::getline(stream, option, '-');) options.insert(option);
+    return options;
+}
+
+const OperationFields& operationFields(const std::set<std::string>& options) {
+    const auto found = std::find_if(kOperations.begin(), kOperations.end(), [&](const auto& each) {
+        return options.count(std::string(each.option)) > 0;
+    });
+    return found == kOperations.end() ? kOperations.front() : *found;
+}
+
+class Cells {
+public:
+    Cells(Dataset dataset, std::vector<FieldId> fields) : m_dataset(std::move(dataset)) {
+        for (const auto field : fields)
+            if (auto column = m_dataset->getColumn(field)) m_columns.push_back(std::move(column));
+    }
+    bool anyAboveZero(const Row& row) const {
+        return std::any_of(m_columns.begin(), m_columns.end(), [&](const sptr_t<ColumnNode>& column) {
+            variant_t value;
+            return m_dataset->getValue(row, column, 0, value) && value.toDouble() > 0.0;
+        });
+    }
+
+private:
+    Dataset m_dataset;
+    std::vector<sptr_t<ColumnNode>> m_columns;
+};
+
+// Every row below the top ones too, parents first.
+template <class Function>
+void forEachRow(const Dataset& dataset, Function function) {
+    std::vector<Row> rows;
+    for (auto row = dataset->getRows(0); !row.isEnd(); ++row) rows.push_back(*row);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const auto row = rows[i];
+        if (!row) continue;
+        function(row);
+        RowIterator children;
+        if (row->getChildren(children, 0, 1) < 0) continue;
+        for (; !children.isEnd(); ++children) rows.push_back(*children);
+    }
+}
+
+bool isChartRow(const Row& row) {
+    const auto specification = row->getSpecification();
+    return specification && (specification->getRowType() & kNoChartRow) == 0;
+}
+
+// A row that has all a point needs, and whose caller has no point, hides with its caller.
+std::set<std::uint64_t> idsBelowMissing(const Dataset& tree, const std::set<std::string>& drawn) {
+    std::set<std::uint64_t> hidden;
+    forEachRow(tree, [&](const Row& row) {
+        const auto parent = row->getParent();
+        if (parent && parent->getSpecification() && !drawn.count(std::to_string(parent->getId())))
+            hidden.insert(row->getId());
+    });
+    return hidden;
+}
+
+std::vector<FieldId> trafficFields(const std::set<std::string>& options, bool isTotal) {
+    const bool load = !options.count("store"), store = !options.count("load");
+    std::vector<FieldId> fields;
+    for (const auto& each : kTraffic) {
+        // The last line stands for no level at all.
+        if (each.option.empty() ? !fields.empty() : !options.count(std::string(each.option))) continue;
+        if (load || each.option.empty()) fields.push_back(isTotal ? each.totalLoad : each.selfLoad);
+        if (store && !each.option.empty()) fields.push_back(isTotal ? each.totalStore : each.selfStore);
+    }
+    return fields;
+}
+
+}  // namespace
+
+RowCount countRows(const Dataset& rows, const Dataset& tree, const ChartDocument& document,
+                   const std::string& configuration) {
+    RowCount count;
+    if (!rows) return count;
+    const auto options = optionsOf(configuration);
+    const bool isTotal = tree && !options.count("1");
+    // Total data lives in the tree, which holds the same rows.
+    const auto& dataset = isTotal ? tree : rows;
+    const auto& operations = operationFields(options);
+    const Cells ops(dataset, {isTotal ? operations.total : operations.self});
+    const Cells traffic(dataset, trafficFields(options, isTotal));
+    const Cells time(dataset, {isTotal ? FieldId::TotalElapsedTime : FieldId::SelfElapsedTime});
+
+    std::set<std::string> drawn;
+    for (const auto& point : document.points) drawn.insert(point.id);
+    const auto hidden = idsBelowMissing(dataset, drawn);
+
+    std::array<std::size_t, kCauses> counts{};
+    const auto causeOf = [&](const Row& row) {
+        if (!ops.anyAboveZero(row)) return kOps;
+        if (!traffic.anyAboveZero(row)) return kTrafficCause;
+        if (!time.anyAboveZero(row)) return kTime;
+        return hidden.count(row->getId()) ? kCaller : kOther;
+    };
+    forEachRow(dataset, [&](const Row& row) {
+        if (!isChartRow(row)) return;
+        ++count.rows;
+        drawn.count(std::to_string(row->getId())) ? ++count.drawn : ++counts[causeOf(row)];
+    });
+
+    const std::array<const char*, kCauses> names{operations.missing, "no traffic", "no time",
+                                                 "caller not on the chart", "other values missing"};
+    for (std::size_t i = 0; i < kCauses; ++i)
+        if (counts[i] > 0) count.unplaced.push_back({names[i], counts[i]});
+    return count;
+}
+
+std::string operationsOf(const std::string& configuration) {
+    return std::string(operationFields(optionsOf(configuration)).option);
+}
+
+bool hasOperations(const Dataset& rows, const std::string& operations) {
+    if (!rows) return false;
+    const Cells ops(rows, {operationFields({operations}).self});
+    bool found = false;
+    forEachRow(rows, [&](const Row& row) { found = found || (isChartRow(row) && ops.anyAboveZero(row)); });
+    return found;
+}
+
+}  // namespace cli

@@ -1,0 +1,37 @@
+// Why a row has no point on the chart.
+#pragma once
+
+#include "host_interfaces/model.h"
+
+#include "cli/chart_document.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+struct UnplacedRows {
+    std::string cause;  // such as "no float operations"
+    std::size_t count = 0;
+};
+
+// Every row of a result that a chart could draw. Invariant: drawn + all counts = rows.
+struct RowCount {
+    std::size_t rows = 0;
+    std::size_t drawn = 0;
+    std::vector<UnplacedRows> unplaced;  // causes that occur, in a fixed order
+};
+
+// `rows`: the dataset with every row; `tree`: the one that the chart was made of, where it isn't the same.
+// `configuration` is complete, one value a group.
+RowCount countRows(const data_models2::sptr_t<data_models2::IDataset>& rows,
+                   const data_models2::sptr_t<data_models2::IDataset>& tree, const ChartDocument& document,
+                   const std::string& configuration);
+
+// The option value of operations ("f", "i", "b") of a configuration.
+std::string operationsOf(const std::string& configuration);
+// Whether any row has operations of that kind.
+bool hasOperations(const data_models2::sptr_t<data_models2::IDataset>& rows, const std::string& operations);
+
+}  // namespace cli

@@ -1,0 +1,18 @@
+// Datasets as views on a table of rows.
+#pragma once
+
+#include "host_interfaces/model.h"
+
+#include "embedded_host/result/columns.h"
+
+#include <memory>
+
+namespace embedded_host {
+
+enum class RowOrder { Flat, Tree };  // all rows at the top, or the file's tree
+
+// Rows, columns and iterators that it gives keep the dataset, and with it the table, alive.
+data_models2::sptr_t<data_models2::IDataset> makeDataset(std::shared_ptr<const RowTable> table,
+                                                         data_models2::DataType type, RowOrder order);
+
+}  // namespace embedded_host

@@ -1,0 +1,57 @@
+// Opens results: the file, its machine, and the view model over both.
+#include "host_interfaces/signals.h"
+
+#include "embedded_host/embedded_host.h"
+#include "embedded_host/result/view_model.h"
+
+#include <filesystem>
+#include <utility>
+
+namespace embedded_host {
+namespace {
+using namespace data_models2;
+
+class LoadedResult final : public Result {
+public:
+    LoadedResult(std::shared_ptr<ISurveyingViewModel> viewModel, std::string machineName)
+        : m_viewModel(std::move(viewModel)), m_machineName(std::move(machineName)) {}
+    ResultKind kind() const override { return ResultKind::Cpu; }
+    std::string machineName() const override { return m_machineName; }
+    std::shared_ptr<ISurveyingViewModel> viewModel() const override { return m_viewModel; }
+    void load(IViewModelBase::LoadType type) override {
+        m_viewModel->onSurveyResultLoaded().raise(type, m_viewModel->getResultDirectory());
+    }
+
+private:
+    const std::shared_ptr<ISurveyingViewModel> m_viewModel;
+    const std::string m_machineName;
+};
+
+// A machine without roofs when none is known.
+Machine findMachine(ResultFile& result, const std::string& path, const OpenOptions& options) {
+    if (!options.machineFile.empty()) return openMachine(options.machineFile);
+    if (result.machine) return std::move(*result.machine);
+    if (result.machinePath.empty()) return {};
+    const auto machine = std::filesystem::path(path).parent_path() / result.machinePath;
+    try {
+        return openMachine(machine.string());
+    } catch (const FileError& error) {
+        throw FileError(path + ": /machine: " + error.what());
+    }
+}
+
+}  // namespace
+
+std::shared_ptr<Result> parseResult(const std::string& text, const std::string& path,
+                                    const OpenOptions& options) {
+    auto result = readResult(JsonFile(path, text));
+    auto machine = std::make_shared<const Machine>(findMachine(result, path, options));
+    auto viewModel = makeViewModel(std::move(result), machine, path);
+    return std::make_shared<LoadedResult>(std::move(viewModel), machine->name);
+}
+
+std::shared_ptr<Result> openResult(const std::string& path, const OpenOptions& options) {
+    return parseResult(readFile(path), path, options);
+}
+
+}  // namespace embedded_host

@@ -1,0 +1,119 @@
+// A thin layer over rapidjson: objects and arrays as values that are filled first and placed then.
+#pragma once
+
+#include <rapidjson/document.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <cmath>
+#include <concepts>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace rabbit {
+
+using Allocator = rapidjson::MemoryPoolAllocator<>;
+using Value = rapidjson::Value;
+
+class object;
+class array;
+
+// Texts are copied into the document. A number that isn't finite has no form in JSON: it becomes null.
+inline Value makeValue(std::string_view text, Allocator& allocator) {
+    return Value(text.data(), static_cast<rapidjson::SizeType>(text.size()), allocator);
+}
+inline Value makeValue(double number, Allocator&) { return std::isfinite(number) ? Value(number) : Value(); }
+inline Value makeValue(std::same_as<bool> auto flag, Allocator&) { return Value(flag); }
+inline Value makeValue(std::int32_t number, Allocator&) { return Value(number); }
+inline Value makeValue(std::uint32_t number, Allocator&) { return Value(number); }
+inline Value makeValue(std::int64_t number, Allocator&) { return Value(number); }
+inline Value makeValue(std::uint64_t number, Allocator&) { return Value(number); }
+Value makeValue(object&& members, Allocator& allocator);
+Value makeValue(array&& items, Allocator& allocator);
+
+// An array under construction; it belongs to one document.
+class array {
+public:
+    explicit array(Allocator& allocator) : m_value(rapidjson::kArrayType), m_allocator(&allocator) {}
+    Allocator& allocator() const { return *m_allocator; }
+    void reserve(std::size_t count) {
+        m_value.Reserve(static_cast<rapidjson::SizeType>(count), *m_allocator);
+    }
+    bool empty() const { return m_value.Empty(); }
+
+    template <class T>
+    void push(T&& item) {
+        m_value.PushBack(makeValue(std::forward<T>(item), *m_allocator), *m_allocator);
+    }
+    Value take() { return std::move(m_value); }
+    const Value& value() const { return m_value; }
+
+private:
+    Value m_value;
+    Allocator* m_allocator;
+};
+
+// An object under construction; it belongs to one document.
+class object {
+public:
+    explicit object(Allocator& allocator) : m_value(rapidjson::kObjectType), m_allocator(&allocator) {}
+    Allocator& allocator() const { return *m_allocator; }
+    bool has(std::string_view key) const { return m_value.HasMember(keyOf(key)); }
+
+    // Sets a member; one of that name is replaced where it stands.
+    template <class T>
+    void set(std::string_view key, T&& item) {
+        const auto found = m_value.FindMember(keyOf(key));
+        if (found == m_value.MemberEnd())
+            append(key, std::forward<T>(item));
+        else
+            found->value = makeValue(std::forward<T>(item), *m_allocator);
+    }
+    // The same where the caller knows that the key is new, such as when the keys come from a map.
+    template <class T>
+    void append(std::string_view key, T&& item) {
+        m_value.AddMember(makeValue(key, *m_allocator), makeValue(std::forward<T>(item), *m_allocator),
+                          *m_allocator);
+    }
+    Value take() { return std::move(m_value); }
+    const Value& value() const { return m_value; }
+
+private:
+    static Value keyOf(std::string_view key) {
+        return Value(rapidjson::StringRef(key.data(), static_cast<rapidjson::SizeType>(key.size())));
+    }
+
+    Value m_value;
+    Allocator* m_allocator;
+};
+
+inline Value makeValue(object&& members, Allocator&) { return members.take(); }
+inline Value makeValue(array&& items, Allocator&) { return items.take(); }
+
+// The compact text of a value.
+inline std::string toString(const Value& value) {
+    rapidjson::StringBuffer buffer;
+    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+    value.Accept(writer);
+    return {buffer.GetString(), buffer.GetSize()};
+}
+
+// Fills one object with `fill(object&)` and gives its compact text.
+template <class Fill>
+std::string writeObject(Fill&& fill) {
+    Allocator allocator;
+    object root(allocator);
+    fill(root);
+    return toString(root.value());
+}
+template <class Fill>
+std::string writeArray(Fill&& fill) {
+    Allocator allocator;
+    array root(allocator);
+    fill(root);
+    return toString(root.value());
+}
+
+}  // namespace rabbit

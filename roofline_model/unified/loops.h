@@ -1,0 +1,61 @@
+// The records of a chart: one point of one row under one configuration.
+#pragma once
+
+#include "roofline_model/rabbit.h"
+#include "roofline_model/unified/configurations.h"
+#include "roofline_model/unified/loop_params.h"
+#include "roofline_model/unified/row_walk.h"
+#include "roofline_model/unified/view_rect.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace data_models2 {
+
+class CLoopInfo {
+public:
+    // What `set` returns for a value that is no coordinate.
+    static constexpr double kNoCoordinate = -std::numeric_limits<double>::max();
+
+    // Valid, and with at least one property.
+    bool isValid() const { return m_valid && !m_properties.empty(); }
+    // False once a necessary parameter had no value.
+    bool isComplete() const { return m_valid; }
+
+    void set(const std::string& key, const std::string& value);
+    void set(const std::string& key, int value);
+    // Stores a parameter's value by its kind; `type` are bits of param_type. A missing or not finite value of
+    // a necessary parameter makes the record incomplete. The result is a double's value, else kNoCoordinate.
+    double set(const std::string& key, const variant_t& value, int type);
+    void setIncomplete() { m_valid = false; }
+
+    // The text under the key; empty when there is none. Holds until the key is set again.
+    std::string_view getStringProperty(const std::string& key) const;
+    const std::vector<int>& getChildren() const { return m_children; }
+    void addChild(int index) { m_children.push_back(index); }
+    void toJSON(rabbit::object& object) const;
+
+private:
+    std::vector<int> m_children;
+    std::map<std::string, variant_t> m_properties;
+    bool m_valid = true;
+};
+
+using LoopTypes = std::map<std::string, std::string>;
+
+// Walks the rows and makes a record for each that has a point, one a configuration; configurations that land
+// on the same point share one. Children hang under their parent's record of the same memory level. loops: the
+// records, linked by index. loopTypes: text of a loop's type to a short id. captions: all level captions of
+// the records, each once. viewRect: extended by each record. `onLoop` sees each record before it is added.
+void fillLoops(const sptr_t<IDataset>& dataset, const LoopParams& params,
+               const RooflineConfigurations& configurations,
+               const std::shared_ptr<const CRooflineOptions>& options, bool selfData,
+               std::vector<CLoopInfo>& loops, LoopTypes& loopTypes, std::vector<std::string>& captions,
+               RooflineViewRect& viewRect, const std::function<void(CLoopInfo&)>& onLoop,
+               const RowFilter& rowFilter);
+
+}  // namespace data_models2

@@ -1,0 +1,92 @@
+#include "roofline_model/unified/option_tables.h"
+
+#include "roofline_model/roof_names.h"
+#include "roofline_model/translation.h"
+
+#include <algorithm>
+#include <array>
+
+namespace data_models2 {
+
+namespace {
+
+struct Value {
+    const char* value;
+    const char* caption;
+    const char* expl = "";
+};
+
+struct Group {
+    const COptionsStrategy& strategy;
+    const char* caption;
+    std::vector<Value> values;
+};
+
+COptionGroup makeGroup(const Group& group, const RooflineTypes& defaults) {
+    COptionGroup result(group.strategy, group.caption, false);
+    for (const auto& value : group.values) result.addOptionValue({value.caption, value.value, value.expl});
+    result.setDefRooflineTypes(defaults);
+    return result;
+}
+
+const CRadioOptionsStrategy kOperationsStrategy;
+const Group kOperations{kOperationsStrategy,
+                        "roofline_options_operations_caption",
+                        {{"f", "roofline_options_operation_float"},
+                         {"i", "roofline_options_operation_int"},
+                         {"b", "roofline_options_operation_int_float"}}};
+
+// "0" is stacks on, "1" is stacks off.
+const CTwoStatesOptionsStrategy kStacksStrategy;
+const Group kStacks{kStacksStrategy,
+                    "roofline_options_stacks_caption",
+                    {{"0", "roofline_options_stacks_on", "roofline_with_callstacks_expl"},
+                     {"1", "roofline_options_stacks_off"}}};
+
+const CRadioOptionsStrategy kMemoryOperationStrategy;
+const Group kMemoryOperation{kMemoryOperationStrategy,
+                             "roofline_options_mem_operation_type",
+                             {{"load", "roofline_options_memop_load"},
+                              {"store", "roofline_options_memop_store"},
+                              {"all", "roofline_options_memop_load_store"}}};
+
+constexpr std::array<const char*, 4> kCaches{"L1", "L2", "L3", "L4"};
+const CCertainValueOptionsStrategy kLevelsStrategy;
+
+COptionGroup makeLevelGroup(int memoryLevelsCount) {
+    COptionGroup result(kLevelsStrategy, "roofline_options_mem_levels", true);
+    const auto add = [&result](const std::string& level) {
+        result.addOptionValue({roofline::helpers::getMemLevelCaption(level), level, ""});
+    };
+    const auto caches = std::min(kCaches.size(), static_cast<std::size_t>(memoryLevelsCount) - 1);
+    std::for_each_n(kCaches.begin(), caches, add);
+    add("DRAM");
+    return result;
+}
+
+const char* configurationCaption(bool isFloat, bool hasLevels) {
+    if (hasLevels)
+        return isFloat ? "roofline_options_def_config_integrated_caption"
+                       : "roofline_options_def_int_config_integrated_caption";
+    return isFloat ? "roofline_options_def_config_caption" : "roofline_options_def_int_config_caption";
+}
+
+}  // namespace
+
+std::shared_ptr<CRooflineOptions> initRooflineOptions(
+    int memoryLevelsCount, const std::shared_ptr<const CMemoryLevelMetrics>& metrics) {
+    const auto defaultType = static_cast<OperationsType>(roofline::checkDefaultFloatType(metrics, "L1"));
+    const bool hasLevels = memoryLevelsCount > 1;
+
+    auto options = std::make_shared<CRooflineOptions>();
+    options->addOptionGroup(makeGroup(kOperations, {roofline::getRooflineTypeFromOpsType(defaultType)}));
+    options->addOptionGroup(makeGroup(kStacks, {"1"}));
+    options->setDefConfigurationCaption(
+        roofline::translate(configurationCaption(defaultType == OperationsType::Float, hasLevels)));
+    if (!hasLevels) return options;
+    options->addOptionGroup(makeLevelGroup(memoryLevelsCount));
+    options->addOptionGroup(makeGroup(kMemoryOperation, {"all"}));
+    return options;
+}
+
+}  // namespace data_models2

@@ -1,0 +1,41 @@
+// Reads the parameters of several configurations row by row; what two of them have in common is read once a
+// row.
+#pragma once
+
+#include "roofline_model/unified/loop_params.h"
+
+#include <cstddef>
+#include <deque>
+#include <vector>
+
+namespace data_models2 {
+
+// The parameters are bound for the life of the reader: one pass at a time. `sets` must live longer.
+class RowReader {
+public:
+    RowReader(const LoopParamSets& sets, sptr_t<IDataset> dataset);
+
+    // Goes to another row.
+    void setRow(const sptr_t<RowNode>& row);
+    bool isValid(std::size_t set, std::size_t param) const { return m_slots[m_index[set][param]].isValid; }
+    // Holds until the next row; the caller may move the value out when no other parameter has the same
+    // expression.
+    const variant_t& getValue(std::size_t set, std::size_t param);
+
+private:
+    struct Slot {
+        const LoopParam* param;
+        bool isValid;
+        std::size_t row = 0;  // the value's row; rows count from 1
+        variant_t value;
+    };
+
+    sptr_t<IDataset> m_dataset;
+    std::deque<LoopParamsInitializer> m_bindings;
+    std::vector<Slot> m_slots;
+    std::vector<std::vector<std::size_t>> m_index;  // slot by set and parameter
+    sptr_t<RowNode> m_row;
+    std::size_t m_rowNumber = 0;
+};
+
+}  // namespace data_models2

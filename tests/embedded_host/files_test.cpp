@@ -1,0 +1,188 @@
+// Files on disk: reading, writing, machines beside results, the schemas against the examples.
+#include "host_interfaces/signals.h"
+
+#include "result_text.h"
+
+#include <gtest/gtest.h>
+#include <rapidjson/document.h>
+#include <rapidjson/schema.h>
+#include <rapidjson/stringbuffer.h>
+
+#include <filesystem>
+#include <unistd.h>
+
+namespace embedded_host::test {
+namespace {
+using namespace data_models2;
+namespace fs = std::filesystem;
+
+const std::string kSource = OMBRIX_SOURCE_DIR;
+
+class Files : public testing::Test {
+protected:
+    Files()
+        : m_folder(
+              fs::temp_directory_path() /
+              fmt::format("result_files_{}", testing::UnitTest::GetInstance()->random_seed() + ::getpid())) {
+        fs::create_directories(m_folder);
+    }
+    ~Files() override { fs::remove_all(m_folder); }
+    std::string path(const std::string& name) const { return (m_folder / name).string(); }
+    std::size_t count() const {
+        return static_cast<std::size_t>(
+            std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()));
+    }
+
+private:
+    fs::path m_folder;
+};
+
+TEST_F(Files, AreReplacedOnlyWhenThatIsWanted) {
+    writeFile(path("a"), "one", false);
+    EXPECT_THROW(writeFile(path("a"), "two", false), FileError);
+    EXPECT_EQ(readFile(path("a")), "one");
+    writeFile(path("a"), "three", true);
+    EXPECT_EQ(readFile(path("a")), "three");
+    EXPECT_THROW(writeFile(path("no/such/folder"), "x", true), FileError);
+    EXPECT_THROW(writeFile(path(""), "x", true), FileError);
+    EXPECT_THROW(readFile(path("")), FileError);
+    EXPECT_EQ(count(), 1U);  // no temporary is left
+}
+
+TEST_F(Files, ALinkStaysALinkAndADeviceADevice) {
+    writeFile(path("file"), "one", false);
+    fs::create_symlink(path("file"), path("link"));
+    writeFile(path("link"), "two", true);
+    EXPECT_TRUE(fs::is_symlink(path("link")));
+    EXPECT_EQ(readFile(path("file")), "two");
+    writeFile("/dev/null", "x", false);
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+TEST_F(Files, AMachineIsFoundBesideItsResultUnlessAnotherReplacesIt) {
+    fs::create_directory(path("machines"));
+    const auto roof = [](int value) {
+        return fmt::format(R"({{"id": 6, "value": {}, "unit": "B/s"}})", value);
+    };
+    writeFile(path("machines/own.json"), machineText(roof(1), R"(, "name": "own", "cores": {"physical": 3})"),
+              false);
+    writeFile(path("other.json"), machineText(roof(2), R"(, "name": "other")"), false);
+    writeFile(path("result.json"), resultText("", R"(, "machine": "machines/own.json")"), false);
+    const auto own = openResult(path("result.json"));
+    EXPECT_EQ(own->machineName(), "own");
+    EXPECT_EQ(own->viewModel()->getPhysicalCoreCount(), 3);
+    fs::remove_all(path("machines"));
+    EXPECT_THROW(openResult(path("result.json")), FileError);
+    const auto other = openResult(path("result.json"), {.machineFile = path("other.json")});
+    EXPECT_EQ(other->machineName(), "other");
+    EXPECT_EQ((*other->viewModel()->getRoofManager(DataType::Cpu)->getRoofs("")).value, 2U);
+}
+
+TEST(Result, TellsItsSubscribersOfALoadAndTheViewModelOutlivesIt) {
+    struct : subscriber_base_t {
+        std::string seen;
+    } subscriber;
+    auto result = openResult(kSource + "/examples/quick/result.json");
+    const auto view = result->viewModel();
+    view->onSurveyResultLoaded().connect(subscriber, [&](IViewModelBase::LoadType type, const std::string&) {
+        subscriber.seen += std::to_string(static_cast<int>(type));
+    });
+    result->load(IViewModelBase::LoadType::Result);
+    result->load(IViewModelBase::LoadType::Refresh);
+    result.reset();
+    EXPECT_EQ(subscriber.seen, "01");
+    EXPECT_EQ(view->getMemoryLevelNames(), (std::vector<std::string>{"L1", "L2", "L3", "DRAM"}));
+    EXPECT_EQ(view->getCollectedDataFlags(), collected_data::kTripCounts | collected_data::kCallCounts);
+    EXPECT_EQ(view->getUsedThreadCount(), 8);
+    EXPECT_EQ(view->getLogicalCoreCount(), 16);
+}
+
+TEST(Result, SkipsAByteOrderMark) {
+    EXPECT_NO_THROW(parseResult("\xEF\xBB\xBF" + resultText(""), "test.json"));
+}
+
+rapidjson::Document parsed(const std::string& text) {
+    rapidjson::Document document;
+    document.Parse(text.c_str());
+    EXPECT_FALSE(document.HasParseError());
+    return document;
+}
+
+// Where the schema refuses the text, as a JSON pointer and the rule; empty when it accepts it.
+std::string schemaRefusal(const std::string& schemaFile, const std::string& text) {
+    const auto schemaText = parsed(readFile(kSource + "/docs/" + schemaFile));
+    const rapidjson::SchemaDocument schema(schemaText);
+    rapidjson::SchemaValidator validator(schema);
+    if (parsed(text).Accept(validator)) return {};
+    rapidjson::StringBuffer place;
+    validator.GetInvalidDocumentPointer().StringifyUriFragment(place);
+    return std::string(place.GetString()) + " " + validator.GetInvalidSchemaKeyword();
+}
+
+// The first JSON text in a fenced block of a page.
+std::string exampleOf(const std::string& page) {
+    const auto text = readFile(kSource + "/docs/" + page);
+    const std::string fence = "```json\n";
+    const auto start = text.find(fence) + fence.size();
+    return text.substr(start, text.find("```", start) - start);
+}
+
+TEST(Schemas, HoldTheExamplesAndThePages) {
+    const auto resultPage = exampleOf("result_file.md");
+    const auto machinePage = exampleOf("machine_file.md");
+    EXPECT_EQ(schemaRefusal("result_file.schema.json", readFile(kSource + "/examples/quick/result.json")),
+              "");
+    EXPECT_EQ(schemaRefusal("result_file.schema.json", resultPage), "");
+    EXPECT_EQ(schemaRefusal("machine_file.schema.json", readFile(kSource + "/examples/quick/machine.json")),
+              "");
+    EXPECT_EQ(schemaRefusal("machine_file.schema.json", machinePage), "");
+    OpenOptions withQuickMachine{.machineFile = kSource + "/examples/quick/machine.json"};
+    EXPECT_NO_THROW(parseResult(resultPage, "page", withQuickMachine));
+    EXPECT_NO_THROW(parseResult(resultText("", R"(, "machine": )" + machinePage), "page"));
+}
+
+TEST(Schemas, RefuseWhatTheLoaderRefuses) {
+    const char* const rows[] = {
+        R"({"id": 1, "cells": {"SelfTime": "1"}})",
+        R"({"id": 1, "cells": {"Unknown": 1}})",
+        R"({"id": 1, "cells": {"CallCount": 1.5}})",
+        R"({"id": 1, "children": [{"id": -1}]})",
+        R"({"id": 1, "children": [{"id": 2, "child": []}]})",
+        R"({"kind": "loop"})",
+        R"({"id": 1, "kind": "task"})",
+        R"({"id": 1, "mix": {"a": 1}})",
+    };
+    for (const auto* const row : rows) {
+        EXPECT_NE(schemaRefusal("result_file.schema.json", resultText(row)), "") << row;
+        EXPECT_NE(refusalOf(resultText(row)), "accepted") << row;
+    }
+    const char* const roofs[] = {
+        R"({"id": 6, "value": 1, "unit": "Gb/s"})",
+        R"({"id": 6, "value": 0, "unit": "GB/s"})",
+        R"({"value": 1, "unit": "GB/s"})",
+        R"({"id": 6, "value": 1})",
+        R"({"id": 6, "value": 1, "unit": "GB/s", "x": 1})",
+    };
+    for (const auto* const roof : roofs) {
+        EXPECT_NE(schemaRefusal("machine_file.schema.json", machineText(roof)), "") << roof;
+        EXPECT_NE(refusalOf(resultText("", R"(, "machine": )" + machineText(roof))), "accepted") << roof;
+    }
+}
+
+TEST(Schemas, KnowEveryFieldWithItsType) {
+    const auto schema = parsed(readFile(kSource + "/docs/result_file.schema.json"));
+    const rapidjson::Value& cells = schema["definitions"]["cells"]["properties"];
+    EXPECT_EQ(cells.MemberCount(), kFields.size());
+    for (const auto& field : kFields) {
+        const char* const reference = field.type == FieldType::Text     ? "#/definitions/text"
+                                      : field.type == FieldType::UInt32 ? "#/definitions/count"
+                                      : field.type == FieldType::Int64  ? "#/definitions/id"
+                                                                        : "#/definitions/amount";
+        const auto cell = cells.FindMember(std::string(field.name).c_str());
+        ASSERT_NE(cell, cells.MemberEnd()) << field.name;
+        EXPECT_STREQ(cell->value["$ref"].GetString(), reference) << field.name;
+    }
+}
+
+}  // namespace
+}  // namespace embedded_host::test

@@ -1,0 +1,182 @@
+// The message catalogue: completeness, files that override it, arguments.
+#include "host_interfaces/host_functions.h"
+
+#include "embedded_host/embedded_host.h"
+#include "embedded_host/services/message_catalogue.h"
+#include "embedded_host/services/roof_captions.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
+
+namespace embedded_host {
+namespace {
+
+using data_models2::variant_t;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+const std::vector<std::string> kMessageIds{
+#define OMBRIX_MESSAGE(id) id,
+#include "host_interfaces/message_ids.inc"
+#undef OMBRIX_MESSAGE
+};
+
+// Those whose arguments the library gives; all other texts take none.
+const std::map<std::string, int> kArgumentCounts{
+    {"roofline_vectorization_types", 1},
+    {"roofline_summary_total_point_descr", 1},
+    {"roofline_options_def_config_integrated_gpu_caption", 2},
+};
+
+// A folder of message files that goes with the test, and the assertions that reading it reports.
+class MessageFiles : public testing::Test {
+protected:
+    MessageFiles() {
+        std::filesystem::create_directories(m_folder / "messages");
+        setAssertionHandler(
+            [this](const auto& expression, const auto&, int) { reports.push_back(expression); });
+    }
+    ~MessageFiles() override {
+        setAssertionHandler({});
+        std::filesystem::remove_all(m_folder);
+    }
+    void write(const std::string& language, const std::string& text) {
+        std::ofstream(m_folder / "messages" / (language + ".json")) << text;
+    }
+    auto load(const std::string& language) { return MessageCatalogue::load(language, m_folder.string()); }
+
+    std::vector<std::string> reports;
+
+private:
+    const std::filesystem::path m_folder =
+        std::filesystem::path(testing::TempDir()) /
+        ("messages_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+};
+
+TEST(Messages, EveryIdHasATextAndEveryTextAnId) {
+    const auto catalogue = MessageCatalogue::load("en", "");
+    std::set<std::string> texts;
+    for (const auto& [id, text] : catalogue->texts()) {
+        texts.insert(id);
+        EXPECT_FALSE(text.empty()) << id;
+    }
+    EXPECT_EQ(texts, std::set<std::string>(kMessageIds.begin(), kMessageIds.end()));
+    EXPECT_EQ(texts.size(), kMessageIds.size()) << "an id is listed twice";
+}
+
+TEST(Messages, PlaceholdersAreThoseOfTheArgumentsGiven) {
+    const auto catalogue = MessageCatalogue::load("en", "");
+    for (const auto& [id, text] : catalogue->texts()) {
+        const auto known = kArgumentCounts.find(id);
+        const int count = known == kArgumentCounts.end() ? 0 : known->second;
+        std::string rest = text;
+        for (int i = 1; i <= count; ++i) {
+            const auto at = rest.find("%" + std::to_string(i));
+            ASSERT_NE(at, std::string::npos) << id << ": " << text;
+            rest.erase(at, 2);
+        }
+        rest = std::regex_replace(rest, std::regex("%%"), "");
+        EXPECT_EQ(rest.find('%'), std::string::npos) << id << ": " << text;
+    }
+}
+
+TEST(Messages, EveryRoofOfTheTableIsDescribed) {
+    const auto catalogue = MessageCatalogue::load("en", "");
+    for (const auto& roof : kRoofCaptions) {
+        std::string id(roof.owner == RoofOwner::Device ? "RoofDescriptiongpu" : "RoofDescription");
+        for (const unsigned char c : roof.caption)
+            if (!std::isspace(c)) id += static_cast<char>(std::tolower(c));
+        EXPECT_TRUE(catalogue->has(id)) << id;
+    }
+}
+
+TEST(Messages, ArgumentsReplacePlaceholdersOnce) {
+    const struct {
+        const char* text;
+        std::vector<variant_t> arguments;
+        const char* expected;
+    } rows[] = {
+        {"%1 and %2", {"a", 2}, "a and 2"},
+        {"%2%1%2", {"a", "b"}, "bab"},
+        {"%3", {"a", "b", variant_t::literal("c"), "d"}, "c"},
+        {"[%1][%2]", {variant_t()}, "[][]"},
+        {"%1 %2", {"%2", "%1%%"}, "%2 %1%%"},
+        {"100%% of %1", {0.25}, "100% of 0.25"},
+        {"%%1", {"a"}, "%1"},
+        {"%%%1", {"a"}, "%a"},
+        {"%4 %0 %x %", {"a", "b", "c", "d"}, "%4 %0 %x %"},
+        {"%12", {"a"}, "a2"},
+        {"\xC3\xA9%1\xC3\xA9", {"-"}, "\xC3\xA9-\xC3\xA9"},
+        {"", {"a"}, ""},
+    };
+    for (const auto& row : rows) EXPECT_EQ(formatMessage(row.text, row.arguments), row.expected) << row.text;
+}
+
+TEST_F(MessageFiles, OverrideSingleTextsOfABuiltInLanguage) {
+    write("en", R"({"roofline_options_l1": "First \u00e9 %1", "of_a_later_version": "new"})");
+    const auto catalogue = load("en");
+    EXPECT_EQ(catalogue->format("roofline_options_l1", {7}), "First \xC3\xA9 7");
+    EXPECT_EQ(catalogue->format("roofline_options_l2", {}), "L2");
+    EXPECT_TRUE(catalogue->has("of_a_later_version"));
+    EXPECT_THAT(reports, testing::IsEmpty());
+}
+
+TEST_F(MessageFiles, BringALanguageThatFallsBackOnEnglish) {
+    write("de", R"({"roofline_options_operation_int": "Ganzzahl"})");
+    const auto catalogue = load("de");
+    ASSERT_TRUE(catalogue);
+    EXPECT_EQ(catalogue->format("roofline_options_operation_int", {}), "Ganzzahl");
+    EXPECT_EQ(catalogue->format("roofline_options_dram", {}), "DRAM");
+}
+
+TEST_F(MessageFiles, ThatAreMalformedAreReportedOnceAndIgnored) {
+    const std::string deep(1'000'000, '[');
+    for (const std::string text :
+         {"", "{", "[]", "null", R"({"roofline_options_l1": 1})", R"({"roofline_options_l1": {"a": "b"}})",
+          R"({"roofline_options_l1": "x"} trailing)", "{\"roofline_options_l1\": \"\xFF\"}", deep.c_str()}) {
+        SCOPED_TRACE(text.substr(0, 60));
+        reports.clear();
+        write("en", text);
+        EXPECT_EQ(load("en")->format("roofline_options_l1", {}), "L1");
+        EXPECT_THAT(reports, ElementsAre(HasSubstr("en.json")));
+        write("fr", text);
+        EXPECT_FALSE(load("fr"));
+    }
+}
+
+TEST_F(MessageFiles, AreNotSoughtOutsideTheirFolder) {
+    write("de", "{}");
+    for (const auto* const language : {"", "xx", "../messages/de", "./de", "de.json", "de/../de"})
+        EXPECT_FALSE(load(language)) << language;
+    EXPECT_THAT(reports, testing::IsEmpty());
+}
+
+// All of the process's choice is in this one test: the first look-up ends it.
+TEST_F(MessageFiles, ChooseTheLanguageOfTheProcessUntilTheFirstLookUp) {
+    const auto folder = std::filesystem::path(testing::TempDir()) / "process_messages";
+    std::filesystem::create_directories(folder / "messages");
+    std::ofstream(folder / "messages" / "nl.json") << R"({"roofline_options_stacks_caption": "Stapels"})";
+
+    EXPECT_FALSE(data_models2::loadMessageCatalogue("data_models.other"));
+    const auto early = data_models2::loadMessageCatalogue("data_models.roofline");
+    EXPECT_FALSE(setLanguage("nl"));
+    setMessageFolder(folder.string());
+    EXPECT_TRUE(setLanguage("nl"));
+    EXPECT_FALSE(setLanguage("xx"));
+    EXPECT_EQ(early->format("roofline_options_stacks_caption", {}), "Stapels");
+    EXPECT_FALSE(early->has("roofline_options_stacks_caption_lin"));
+    EXPECT_EQ(early->format("roofline_options_stacks_caption_lin", {}), "");
+    EXPECT_FALSE(setLanguage("en"));
+    EXPECT_EQ(data_models2::loadMessageCatalogue("data_models.roofline"), early);
+    std::filesystem::remove_all(folder);
+}
+
+}  // namespace
+}  // namespace embedded_host

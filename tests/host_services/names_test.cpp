@@ -1,0 +1,136 @@
+// Names of fields, memory levels and roofs, and the text of a roof configuration.
+#include "embedded_host/services/fields.h"
+#include "embedded_host/services/roof_captions.h"
+#include "embedded_host/services/roof_configuration.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <set>
+
+namespace embedded_host {
+namespace {
+
+using namespace data_models2;
+using Strategy = RoofThreadingFeatures::Strategy;
+using Perspective = IRooflineInfo::Perspective;
+
+TEST(Fields, AreFoundByNameAndNumber) {
+    std::set<std::string> names;
+    for (const auto& field : kFields) {
+        EXPECT_EQ(findField(field.name), &field);
+        EXPECT_EQ(findField(field.id), &field);
+        names.insert(getFieldStringId(field.id));
+    }
+    EXPECT_EQ(names.size(), kFields.size());
+    for (const auto* const name : {"", "selftime", "SelfTime ", "10"}) EXPECT_FALSE(findField(name)) << name;
+    for (const int number : {0, 2, -1, 817, 100'000, std::numeric_limits<int>::min()}) {
+        const auto id = static_cast<FieldId>(number);
+        EXPECT_FALSE(findField(id)) << number;
+        EXPECT_EQ(getFieldStringId(id), "field" + std::to_string(number));
+    }
+}
+
+TEST(MemoryLevels, HaveTheNamesThatOptionsUse) {
+    using roofline_helpers::getMemoryRooflineType;
+    // By level number; a device's own levels answer alike for both targets.
+    const std::vector<std::string> cpu{"", "L1", "L2", "L3", "L4", "PKGRAM", "DRAM", "LLC", ""};
+    const std::vector<std::string> gpu{"", "L1gpu", "", "L3gpu", "", "", "DRAMgpu", "", ""};
+    const std::vector<std::string> device{"SLMgpu", "XLIgpu", "HBMgpu", "GDDR6gpu", "LLCgpu", "EDRAMgpu", ""};
+    for (std::size_t i = 0; i < cpu.size() + device.size(); ++i) {
+        const auto level = static_cast<MemoryLevel>(i);
+        const bool isShared = i < cpu.size();
+        const auto& own = device[isShared ? 0 : i - cpu.size()];
+        EXPECT_EQ(getMemoryRooflineType(level, TargetDeviceType::Cpu), isShared ? cpu[i] : own) << i;
+        EXPECT_EQ(getMemoryRooflineType(level, TargetDeviceType::Gpu), isShared ? gpu[i] : own) << i;
+    }
+}
+
+TEST(MemoryLevels, NameTheRoofOfADevicesLastLevel) {
+    const std::pair<const char*, int> rows[] = {{"XLIgpu", 23},   {"HBMgpu", 25}, {"DRAMgpu", 24},
+                                                {"GDDR6gpu", 23}, {"", 23},       {"DRAM", 23}};
+    for (const auto& [name, roof] : rows)
+        EXPECT_EQ(static_cast<int>(roofline_helpers::getGpuLastMemLevelRoofId(name)), roof) << name;
+}
+
+TEST(Roofs, AreOfTheOperationsOfTheirArithmetic) {
+    const auto kindOf = [](std::uint64_t bits, ArithTypeExtDef type) {
+        RoofItem roof;
+        roof.typeBits = bits;
+        roof.arithType = type;
+        return roof::getOperationsType(roof);
+    };
+    EXPECT_EQ(kindOf(RoofItem::Compute, ArithTypeExtDef::Float8), OperationsType::Float);
+    EXPECT_EQ(kindOf(RoofItem::Compute, ArithTypeExtDef::Float64), OperationsType::Float);
+    EXPECT_EQ(kindOf(RoofItem::Compute, ArithTypeExtDef::Int8), OperationsType::Int);
+    EXPECT_EQ(kindOf(RoofItem::Compute, ArithTypeExtDef::Int64), OperationsType::Int);
+    EXPECT_EQ(kindOf(RoofItem::Compute, ArithTypeExtDef::None), OperationsType::Undefined);
+    EXPECT_EQ(kindOf(RoofItem::Memory, ArithTypeExtDef::Float64), OperationsType::Undefined);
+    EXPECT_EQ(kindOf(RoofItem::Memory | RoofItem::SingleNode, ArithTypeExtDef::None),
+              OperationsType::Undefined);
+}
+
+TEST(Roofs, OfTheTableAreConsistent) {
+    std::set<std::pair<RoofOwner, std::string_view>> captions;
+    auto last = RoofId::None;
+    for (const auto& row : kRoofCaptions) {
+        SCOPED_TRACE(row.caption);
+        EXPECT_LT(last, row.id);
+        last = row.id;
+        EXPECT_TRUE(captions.emplace(row.owner, row.caption).second) << "an ambiguous caption";
+        EXPECT_EQ(findRoofCaption(row.id), &row);
+        EXPECT_EQ(row.isMemory, row.level != MemoryLevel::None);
+        EXPECT_EQ(row.isMemory, row.arithType == ArithTypeExtDef::None);
+        EXPECT_EQ(row.isMemory, row.opType == RoofOpType::None);
+        EXPECT_EQ(row.isMemory, row.caption.find("Bandwidth") != std::string_view::npos);
+        EXPECT_EQ(row.extraTypeBits != 0, row.isMemory && row.caption.find("Scalar") == 0);
+        EXPECT_EQ(row.opType == RoofOpType::Fma, row.caption.find("FMA") != std::string_view::npos);
+    }
+    EXPECT_FALSE(findRoofCaption(static_cast<RoofId>(12)));
+}
+
+TEST(RoofConfigurations, AreReadBackAsTheyWereWritten) {
+    std::set<std::string> texts;
+    int count = 0;
+    for (const int threads : {0, 1, 2, 16, 4096, -1, std::numeric_limits<int>::max()})
+        for (const int packages : {0, 1, 2, 100})
+            for (const auto strategy : {Strategy::MultiThread, Strategy::SingleThread})
+                for (unsigned operations = 0; operations < 4; ++operations)
+                    for (int perspective = 1; perspective <= 3; ++perspective) {
+                        const RoofConfiguration written{{threads, strategy, packages},
+                                                        static_cast<OperationsType>(operations),
+                                                        static_cast<Perspective>(perspective)};
+                        const auto text = roof::getCpuRoofConfiguration(
+                            threads, packages, strategy, written.operations, written.perspective);
+                        EXPECT_EQ(text, roof::getCpuRoofConfiguration(written.features, written.operations,
+                                                                      written.perspective));
+                        EXPECT_EQ(parseCpuRoofConfiguration(text), written) << text;
+                        texts.insert(text);
+                        ++count;
+                    }
+    EXPECT_EQ(static_cast<int>(texts.size()), count) << "two configurations have one text";
+}
+
+TEST(RoofConfigurations, ThatNobodyWroteAreRefused) {
+    const auto good = roof::getCpuRoofConfiguration(8, 2, Strategy::SingleThread, OperationsType::Float,
+                                                    Perspective::Program);
+    ASSERT_TRUE(parseCpuRoofConfiguration(good));
+    for (std::size_t i = 0; i < good.size(); ++i) {
+        EXPECT_FALSE(parseCpuRoofConfiguration(good.substr(0, i))) << i;
+        EXPECT_FALSE(parseCpuRoofConfiguration(good.substr(0, i) + ' ' + good.substr(i))) << i;
+        EXPECT_FALSE(parseCpuRoofConfiguration(good.substr(0, i) + good.substr(i + 1))) << i;
+    }
+    EXPECT_FALSE(parseCpuRoofConfiguration(good + "0"));
+    const auto with = [&](std::string_view from, std::string_view to) {
+        auto text = good;
+        return text.replace(text.find(from), from.size(), to);
+    };
+    for (const auto& text : {with("threads=8", "threads=08"), with("threads=8", "threads=99999999999"),
+                             with("threads=8", "threads="), with("strategy=1", "strategy=2"),
+                             with("strategy=1", "strategy=-1"), with("operations=0", "operations=4"),
+                             with("perspective=3", "perspective=0"), with("perspective=3", "perspective=4")})
+        EXPECT_FALSE(parseCpuRoofConfiguration(text)) << text;
+}
+
+}  // namespace
+}  // namespace embedded_host
