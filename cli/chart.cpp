@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 
 namespace cli {
@@ -61,18 +62,23 @@ bool onlyOther(const Chart& chart, const char* asked, const char* other) {
            !hasOperations(chart.session.rows, asked) && hasOperations(chart.session.rows, other);
 }
 
-bool lacksLevel(const Chart& chart) {
+bool lacksTraffic(const Chart& chart, const char* stacks) {
     const auto& causes = chart.count.unplaced;
-    return !chart.document.hasData() && chart.count.rows > 0 && causes.size() == 1 &&
-           causes.front().cause == "no traffic";
+    const bool isMissing = std::any_of(causes.begin(), causes.end(),
+                                       [](const UnplacedRows& each) { return each.cause == "no traffic"; });
+    return !chart.document.hasData() && isMissing && (chart.complete + '-').find(stacks) != std::string::npos;
 }
 
-constexpr std::array<Hint, 5> kHints{{
+constexpr std::array<Hint, 6> kHints{{
     {[](const Chart& chart) { return onlyOther(chart, "f", "i"); },
      "no float operations here: try --config i"},
     {[](const Chart& chart) { return onlyOther(chart, "i", "f"); },
      "no integer operations here: try --config f"},
-    {lacksLevel, "no traffic of that memory level here: `roofline options RESULT --table` lists the levels"},
+    {[](const Chart& chart) { return lacksTraffic(chart, "-1-"); },
+     "rows lack traffic at that memory level: `roofline options RESULT --table` lists the levels"},
+    {[](const Chart& chart) { return lacksTraffic(chart, "-0-"); },
+     "with call stacks every caller needs the total traffic of its level (fields such as TotalL1Load): "
+     "try --config 1"},
     {[](const Chart& chart) { return chart.count.rows == 0; },
      "the result has no rows that a chart could draw"},
     {[](const Chart& chart) { return chart.session.result->machineName().empty(); },

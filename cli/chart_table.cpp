@@ -19,7 +19,7 @@ std::string captioned(const std::string& name, const std::string& measure) {
 Cell optionalCell(const std::optional<double>& value) { return value ? Cell(*value) : Cell(); }
 
 Table readableTable(const ChartDocument& document) {
-    const bool severalLevels = document.levels().size() > 1;
+    const bool severalLevels = document.levels().size() > 1, severalTotals = document.totals.size() > 1;
     Table table{{{"name", ""}}, {}};
     if (severalLevels) table.columns.push_back({"level", ""});
     table.columns.push_back({captioned("intensity", document.measureX), "", Kind::Number});
@@ -34,7 +34,8 @@ Table readableTable(const ChartDocument& document) {
     for (const auto& point : document.points)
         add(point.name, point.level, point.x, point.y, optionalCell(point.share));
     for (const auto& total : document.totals)
-        add("(program total)", total.name, total.x, total.y, std::string("total"));
+        add(severalTotals ? fmt::format("(program total, {})", total.name) : "(program total)", total.name,
+            total.x, total.y, std::string("total"));
     return table;
 }
 

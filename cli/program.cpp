@@ -60,17 +60,17 @@ void addSource(CLI::App& command, ResultSource& source) {
 void addRoofChoice(CLI::App& command, RoofChoice& roofs) {
     command
         .add_option("--threads", roofs.threads, "threads that the roofs assume; 0: those the program used")
-        ->check(CLI::Range(0, 1 << 20))
+        ->check(CLI::Range(0, 1 << 20).description(""))
         ->type_name("N");
     command
         .add_option("--packages", roofs.packages, "packages that the roofs assume; 0: as the threads need")
-        ->check(CLI::Range(0, 1 << 10))
+        ->check(CLI::Range(0, 1 << 10).description(""))
         ->type_name("N");
     command.add_flag("--single", roofs.single, "roofs of one thread instead of all together");
     command
         .add_option("--perspective", roofs.perspective,
                     "roofs for 1 vectorised, 2 not vectorised code, 3 the whole program")
-        ->check(CLI::Range(1, 3))
+        ->check(CLI::Range(1, 3).description(""))
         ->type_name("1|2|3");
 }
 
@@ -138,7 +138,8 @@ void addImports(Commands& commands) {
         ->type_name("FIELD=COLUMN[*FACTOR]");
     csv->add_option("--set", csvRequest->set, "a field's value for every row")->type_name("FIELD=VALUE");
     csv->add_option("--kind", csvRequest->kind, "kind of result")
-        ->check(CLI::IsMember({"cpu", "gpu", "offload"}))
+        ->check(CLI::IsMember({"cpu", "gpu", "offload"}).description(""))
+        ->type_name("cpu|gpu|offload")
         ->capture_default_str();
     csv->add_option("--join", csvRequest->join, "a second table whose columns are appended")
         ->type_name("FILE");
@@ -191,7 +192,11 @@ int parseAndRun(int argc, const char* const* argv, Console& console) {
     } catch (const CLI::ParseError& error) {
         // Help and version come as "errors" with the exit code 0.
         if (error.get_exit_code() == 0) return commands.app.exit(error, console.out, console.err);
-        return explain(std::string(error.what()) + " (see roofline --help)", kUsage, console);
+        // A misspelt subcommand is told as such, not as a missing one.
+        const auto unknown = commands.app.remaining(true);
+        const auto reason =
+            unknown.empty() ? std::string(error.what()) : "can't make sense of '" + unknown.front() + "'";
+        return explain(reason + " (see roofline --help)", kUsage, console);
     }
     return runParsed(commands, console);
 }

@@ -8,9 +8,11 @@
 #include <cmath>
 #include <concepts>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace rabbit {
 
@@ -48,7 +50,11 @@ public:
         m_value.PushBack(makeValue(std::forward<T>(item), *m_allocator), *m_allocator);
     }
     Value take() { return std::move(m_value); }
-    const Value& value() const { return m_value; }
+
+    template <class Writer>
+    void write(Writer& writer) const {
+        m_value.Accept(writer);
+    }
 
 private:
     Value m_value;
@@ -77,43 +83,81 @@ public:
         m_value.AddMember(makeValue(key, *m_allocator), makeValue(std::forward<T>(item), *m_allocator),
                           *m_allocator);
     }
+    // A large array of objects behind all other members, only of a root: its items are written one by one and
+    // are never in memory all at once. `fill` writes the item of an index and owns what it needs.
+    using FillItem = std::function<void(std::size_t index, object& item)>;
+    void stream(std::string_view key, std::size_t count, FillItem fill) {
+        m_streams.push_back({std::string(key), count, std::move(fill)});
+    }
     Value take() { return std::move(m_value); }
-    const Value& value() const { return m_value; }
+
+    template <class Writer>
+    void write(Writer& writer) const;
 
 private:
+    struct Stream {
+        std::string key;
+        std::size_t count;
+        FillItem fill;
+    };
+
     static Value keyOf(std::string_view key) {
         return Value(rapidjson::StringRef(key.data(), static_cast<rapidjson::SizeType>(key.size())));
     }
 
     Value m_value;
     Allocator* m_allocator;
+    std::vector<Stream> m_streams;
 };
+
+template <class Writer>
+void object::write(Writer& writer) const {
+    writer.StartObject();
+    for (const auto& member : m_value.GetObject()) {
+        member.name.Accept(writer);
+        member.value.Accept(writer);
+    }
+    for (const Stream& stream : m_streams) {
+        Allocator allocator;
+        writer.Key(stream.key.data(), static_cast<rapidjson::SizeType>(stream.key.size()));
+        writer.StartArray();
+        for (std::size_t i = 0; i < stream.count; ++i, allocator.Clear()) {
+            object item(allocator);
+            stream.fill(i, item);
+            item.write(writer);
+        }
+        writer.EndArray();
+    }
+    writer.EndObject();
+}
 
 inline Value makeValue(object&& members, Allocator&) { return members.take(); }
 inline Value makeValue(array&& items, Allocator&) { return items.take(); }
 
-// The compact text of a value.
-inline std::string toString(const Value& value) {
+// The compact text of an object or array.
+template <class Node>
+std::string toString(const Node& node) {
     rapidjson::StringBuffer buffer;
     rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
-    value.Accept(writer);
+    node.write(writer);
     return {buffer.GetString(), buffer.GetSize()};
 }
 
-// Fills one object with `fill(object&)` and gives its compact text.
+// Fills one object or array with `fill` and gives its compact text.
+template <class Node, class Fill>
+std::string writeText(Fill&& fill) {
+    Allocator allocator;
+    Node root(allocator);
+    fill(root);
+    return toString(root);
+}
 template <class Fill>
 std::string writeObject(Fill&& fill) {
-    Allocator allocator;
-    object root(allocator);
-    fill(root);
-    return toString(root.value());
+    return writeText<object>(fill);
 }
 template <class Fill>
 std::string writeArray(Fill&& fill) {
-    Allocator allocator;
-    array root(allocator);
-    fill(root);
-    return toString(root.value());
+    return writeText<array>(fill);
 }
 
 }  // namespace rabbit

@@ -88,17 +88,6 @@ void addLoopTypes(rabbit::object& object, const LoopTypes& loopTypes) {
     object.append("loopTypes", std::move(result));
 }
 
-void addLoops(rabbit::object& object, const std::vector<CLoopInfo>& loops) {
-    rabbit::array result(object.allocator());
-    result.reserve(loops.size());
-    for (const auto& loop : loops) {
-        rabbit::object record(object.allocator());
-        loop.toJSON(record);
-        result.push(std::move(record));
-    }
-    object.append("loops", std::move(result));
-}
-
 std::string levelCaption(const std::string& level, const CRooflineOptions& options) {
     return level == "L1" ? roofline::translate("roofline_options_l1") : options.getOptionCaption(level);
 }
@@ -143,7 +132,10 @@ bool fillRooflineData(rabbit::object& object, const sptr_t<IDataset>& dataset,
         programTotal.push(std::move(item));
     }
     object.set("programTotal", std::move(programTotal));
-    addLoops(object, loops);
+    const auto count = loops.size();
+    object.stream("loops", count, [records = std::move(loops)](std::size_t i, rabbit::object& record) {
+        records[i].toJSON(record);
+    });
     return true;
 }
 

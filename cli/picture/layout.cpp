@@ -18,7 +18,7 @@ namespace {
 constexpr double kMarginLeft = 92.0, kMarginTop = 84.0, kPanelWidth = 236.0;
 constexpr double kAxisHeight = 62.0, kNoteLine = 18.0, kNoteSize = 13.0;
 constexpr double kPanelGap = 28.0, kRowHeight = 22.0;
-constexpr std::size_t kNameLength = 30;
+constexpr std::size_t kNameLength = 36;
 
 std::string captionOf(const std::string& name, const std::string& measure) {
     return cleanText(measure.empty() ? name : fmt::format("{} [{}]", name, measure));
@@ -44,7 +44,7 @@ std::vector<std::string> wrapped(const std::string& text, double width, double f
 
 std::string roofText(const Roof& roof) {
     constexpr double kGiga = 1e9;
-    return cleanText(fmt::format("{}  {} {}", shorten(cleanText(roof.name), 2 * kNameLength),
+    return cleanText(fmt::format("{}  {} {}", shorten(cleanText(roof.name), 60),
                                  shortNumber(roof.value / kGiga), roof.measure));
 }
 

@@ -16,7 +16,7 @@ void forEachApplicable(const Items& items, const RooflineConfiguration& configur
 
 }  // namespace
 
-LoopParam::LoopParam(const std::string& name, const ValueGetter& getter, const RooflineTypes& types, int type)
+LoopParam::LoopParam(const char* name, const ValueGetter& getter, const RooflineTypes& types, int type)
     : RooflineItem(types),
       m_name(name),
       m_getter(type & param_type::kLog10 ? log10Getter(getter) : getter),

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -36,7 +37,8 @@ inline constexpr int kClean = 8;      // "'" becomes "`" in a text
 // One key of a loop record and how its value is worked out.
 class LoopParam : public RooflineItem {
 public:
-    LoopParam(const std::string& name, const ValueGetter& getter, const RooflineTypes& types, int type);
+    // `name` is a literal: records refer to it.
+    LoopParam(const char* name, const ValueGetter& getter, const RooflineTypes& types, int type);
 
     // Whether the getter found its columns in the bound dataset.
     bool isValid() const { return m_getter && m_getter->isValid(); }
@@ -46,14 +48,14 @@ public:
     // Whether the value is one of the point's coordinates: its name starts with "x" or "y".
     bool isCoordinate() const;
     variant_t getValue(const sptr_t<IDataset>& dataset, const sptr_t<RowNode>& row) const;
-    const std::string& getName() const { return m_name; }
+    std::string_view getName() const { return m_name; }
     int getType() const { return m_type; }
     std::string getExpr() const { return m_getter ? m_getter->getExpr() : std::string(); }
     void init(const sptr_t<IDataset>& dataset) const;
     void deInit() const;
 
 private:
-    std::string m_name;
+    std::string_view m_name;
     ValueGetter m_getter;
     int m_type;
 };

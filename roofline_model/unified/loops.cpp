@@ -5,8 +5,11 @@
 #include "roofline_model/roof_names.h"
 #include "roofline_model/unified/row_reader.h"
 
+#include <boost/algorithm/string/replace.hpp>
+
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace data_models2 {
 
@@ -37,6 +40,18 @@ LoopParamSets makeSets(const LoopParams& params, const RooflineConfigurations& c
     return sets;
 }
 
+// The keys that a record has beside its parameters.
+constexpr std::size_t kOwnKeys = 6;
+
+// The parameters by key; of those with one key the later stays behind the earlier and overwrites it.
+std::vector<std::size_t> keyOrder(const LoopParams& params) {
+    std::vector<std::size_t> order(params.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(),
+                     [&](auto a, auto b) { return params[a].getName() < params[b].getName(); });
+    return order;
+}
+
 // What a walk fills.
 struct Chart {
     std::vector<CLoopInfo>& loops;
@@ -57,7 +72,10 @@ public:
           m_chart(chart),
           m_onLoop(onLoop),
           m_reader(sets, dataset) {
-        for (const auto& set : sets) m_levelPrefixes.push_back(roofline::getMemoryLevelCaption(set.second));
+        for (const auto& set : sets) {
+            m_levelPrefixes.push_back(roofline::getMemoryLevelCaption(set.second));
+            m_keyOrders.push_back(keyOrder(set.first));
+        }
     }
 
     // The index of the row's first record, or -1 when it has none.
@@ -72,7 +90,7 @@ public:
         for (std::size_t set = 0; set < m_sets.size(); ++set) {
             CLoopInfo record;
             m_coordinates.clear();
-            if (!read(set, record) || !record.isValid()) continue;
+            if (!read(set, record)) continue;
             if (m_chart.loops.size() > first && m_coordinates == m_previous)
                 mergeIntoLast(set);
             else
@@ -86,19 +104,27 @@ private:
     // Whether the row has all that the set needs.
     bool read(std::size_t set, CLoopInfo& record) {
         const LoopParams& params = m_sets[set].first;
+        m_values.assign(params.size(), {});
         for (std::size_t i = 0; i < params.size(); ++i) {
             const LoopParam& param = params[i];
             if (!m_reader.isValid(set, i)) {
                 if (param.isNecessary()) return false;
-            } else if (param.getName() == "type") {
-                readType(m_reader.getValue(set, i));
-            } else {
-                const double value = record.set(param.getName(), m_reader.getValue(set, i), param.getType());
-                if (!record.isComplete()) return false;
-                if (param.isCoordinate() && isPlaceable(value)) m_coordinates[param.getName()] = value;
+                continue;
             }
+            const variant_t& value = m_reader.getValue(set, i);
+            if (param.getName() == "type") {
+                readType(value);
+                continue;
+            }
+            m_values[i] = CLoopInfo::toProperty(value, param.getType());
+            if (param.isNecessary() && CLoopInfo::isMissing(value, m_values[i])) return false;
+            if (m_values[i].kind() == variant_t::kDouble && param.isCoordinate())
+                m_coordinates[param.getName()] = m_values[i].toDouble();
         }
-        return true;
+        record.reserve(params.size() + kOwnKeys);
+        for (const auto i : m_keyOrders[set])
+            if (!m_values[i].isEmpty()) record.append(params[i].getName(), std::move(m_values[i]));
+        return record.isValid();
     }
 
     void readType(const variant_t& type) {
@@ -150,7 +176,8 @@ private:
     }
 
     const LoopParamSets& m_sets;
-    std::vector<std::string> m_levelPrefixes;  // by set
+    std::vector<std::string> m_levelPrefixes;           // by set
+    std::vector<std::vector<std::size_t>> m_keyOrders;  // by set
     Captions m_defaultCaptions;
     sptr_t<IDataset> m_dataset;
     std::string m_childState;
@@ -162,6 +189,7 @@ private:
     std::string m_loopId;
     std::string m_objId;
     std::string m_typeId;
+    std::vector<variant_t> m_values;  // by parameter
     Captions
         m_rowCaptions;  // of its records so far: another row's would label it with levels that it never had
     Coordinates m_coordinates;
@@ -170,50 +198,60 @@ private:
 
 }  // namespace
 
-void CLoopInfo::set(const std::string& key, const std::string& value) {
-    m_properties.insert_or_assign(key, variant_t(value));
-}
-void CLoopInfo::set(const std::string& key, int value) {
-    m_properties.insert_or_assign(key, variant_t(value));
-}
-
-double CLoopInfo::set(const std::string& key, const variant_t& value, int type) {
+variant_t CLoopInfo::toProperty(const variant_t& value, int type) {
     switch (value.kind()) {
         case variant_t::kDouble:
-            if (!isPlaceable(value.toDouble())) break;
-            m_properties.insert_or_assign(key, value);
-            return value.toDouble();
-        case variant_t::kInt64:  // long integers travel as text
-            set(key, std::to_string(value.signedValue()));
-            return kNoCoordinate;
+            return isPlaceable(value.toDouble()) ? value : variant_t();
+        case variant_t::kInt64:
+            return std::to_string(value.signedValue());
         case variant_t::kUInt32:
-            m_properties.insert_or_assign(key, value);
-            return kNoCoordinate;
+            return value;
         case variant_t::kBool:
-            if (value.unsignedValue() != 0) m_properties.insert_or_assign(key, value);
-            return kNoCoordinate;
+            return value.unsignedValue() != 0 ? value : variant_t();
         case variant_t::kText:
         case variant_t::kLiteral:
-            if (type & param_type::kClean && value.text().find('\'') != std::string_view::npos) {
-                std::string text(value.text());
-                std::replace(text.begin(), text.end(), '\'', '`');
-                set(key, text);
-            } else {
-                m_properties.insert_or_assign(key, value);
-            }
-            return kNoCoordinate;
-        case variant_t::kEmpty:
-            break;
+            return type & param_type::kClean && value.text().find('\'') != std::string_view::npos
+                       ? boost::replace_all_copy(std::string(value.text()), "'", "`")
+                       : value;
         default:
-            return kNoCoordinate;
+            return {};
     }
-    if (type & param_type::kNecessary) m_valid = false;
-    return kNoCoordinate;
 }
 
-std::string_view CLoopInfo::getStringProperty(const std::string& key) const {
-    const auto found = m_properties.find(key);
-    return found == m_properties.end() ? std::string_view() : found->second.text();
+bool CLoopInfo::isMissing(const variant_t& value, const variant_t& property) {
+    return property.isEmpty() && (value.isEmpty() || value.kind() == variant_t::kDouble);
+}
+
+double CLoopInfo::set(std::string_view key, const variant_t& value, int type) {
+    variant_t property = toProperty(value, type);
+    if (type & param_type::kNecessary && isMissing(value, property)) m_valid = false;
+    if (property.isEmpty()) return kNoCoordinate;
+    const double coordinate = property.kind() == variant_t::kDouble ? property.toDouble() : kNoCoordinate;
+    put(key, std::move(property));
+    return coordinate;
+}
+
+void CLoopInfo::append(std::string_view key, variant_t value) {
+    if (!m_properties.empty() && m_properties.back().key == key)
+        m_properties.back().value = std::move(value);
+    else
+        m_properties.push_back({key, std::move(value)});
+}
+
+void CLoopInfo::put(std::string_view key, variant_t value) {
+    const auto at =
+        std::lower_bound(m_properties.begin(), m_properties.end(), key,
+                         [](const Property& property, std::string_view k) { return property.key < k; });
+    if (at != m_properties.end() && at->key == key)
+        at->value = std::move(value);
+    else
+        m_properties.insert(at, {key, std::move(value)});
+}
+
+std::string_view CLoopInfo::getStringProperty(std::string_view key) const {
+    const auto found = std::find_if(m_properties.begin(), m_properties.end(),
+                                    [key](const Property& property) { return property.key == key; });
+    return found == m_properties.end() ? std::string_view() : found->value.text();
 }
 
 void CLoopInfo::toJSON(rabbit::object& object) const {

@@ -8,6 +8,7 @@
 #include "roofline_model/unified/view_rect.h"
 
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <string>
@@ -16,6 +17,7 @@
 
 namespace data_models2 {
 
+// Keys aren't copied: they are literals or names of parameter tables, which live for the process.
 class CLoopInfo {
 public:
     // What `set` returns for a value that is no coordinate.
@@ -26,22 +28,40 @@ public:
     // False once a necessary parameter had no value.
     bool isComplete() const { return m_valid; }
 
-    void set(const std::string& key, const std::string& value);
-    void set(const std::string& key, int value);
-    // Stores a parameter's value by its kind; `type` are bits of param_type. A missing or not finite value of
-    // a necessary parameter makes the record incomplete. The result is a double's value, else kNoCoordinate.
-    double set(const std::string& key, const variant_t& value, int type);
-    void setIncomplete() { m_valid = false; }
+    void set(std::string_view key, const std::string& value) { put(key, variant_t(value)); }
+    void set(std::string_view key, int value) { put(key, variant_t(value)); }
+    // Stores a parameter's value in the form of `toProperty`. A missing value of a necessary parameter makes
+    // the record incomplete. The result is a double's value, else kNoCoordinate.
+    double set(std::string_view key, const variant_t& value, int type);
+    // The form in which a record holds a value; `type` are bits of param_type. Empty for what a record
+    // doesn't hold: a double that isn't finite, a false, kinds that have no place in a chart. A long integer
+    // travels as text.
+    static variant_t toProperty(const variant_t& value, int type);
+    // Whether a value, stored as `property`, leaves a necessary parameter without one.
+    static bool isMissing(const variant_t& value, const variant_t& property);
 
     // The text under the key; empty when there is none. Holds until the key is set again.
-    std::string_view getStringProperty(const std::string& key) const;
+    std::string_view getStringProperty(std::string_view key) const;
     const std::vector<int>& getChildren() const { return m_children; }
     void addChild(int index) { m_children.push_back(index); }
+    // The properties in key order, then the children.
     void toJSON(rabbit::object& object) const;
 
+    // For whoever sets many properties: room for `count`, and a property whose key isn't below those that are
+    // there.
+    void reserve(std::size_t count) { m_properties.reserve(count); }
+    void append(std::string_view key, variant_t value);
+
 private:
+    struct Property {
+        std::string_view key;
+        variant_t value;
+    };
+
+    void put(std::string_view key, variant_t value);
+
     std::vector<int> m_children;
-    std::map<std::string, variant_t> m_properties;
+    std::vector<Property> m_properties;  // ascending by key
     bool m_valid = true;
 };
 

@@ -14,10 +14,11 @@ void extend(double& lowest, double& highest, double value) {
 }
 
 // Whether a coordinate of the axis `own` has its partner on the axis `other`.
-bool isComplete(std::string name, const Coordinates& coordinates, char own, char other) {
-    if (!name.starts_with(own)) return false;
-    name.front() = other;
-    return coordinates.contains(name);
+bool isComplete(std::string_view name, const Coordinates& coordinates, char own, char other) {
+    return name.starts_with(own) &&
+           std::any_of(coordinates.begin(), coordinates.end(), [name, other](const auto& candidate) {
+               return candidate.first.starts_with(other) && candidate.first.substr(1) == name.substr(1);
+           });
 }
 
 }  // namespace

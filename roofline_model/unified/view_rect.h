@@ -2,15 +2,20 @@
 #pragma once
 
 #include <boost/container/flat_map.hpp>
+#include <boost/container/small_vector.hpp>
 
+#include <functional>
 #include <limits>
-#include <string>
+#include <string_view>
 #include <utility>
 
 namespace data_models2 {
 
-// A record's coordinates by name ("x", "y", "x1", "y1"), in name order: at most four, so a flat map.
-using Coordinates = boost::container::flat_map<std::string, double>;
+// A record's coordinates by name ("x", "y", "x1", "y1"), in name order: at most four, so a flat map. The
+// names are literals of the parameter tables.
+using Coordinates =
+    boost::container::flat_map<std::string_view, double, std::less<>,
+                               boost::container::small_vector<std::pair<std::string_view, double>, 4>>;
 
 struct RooflineViewRect {
     double maxX = -std::numeric_limits<double>::max();

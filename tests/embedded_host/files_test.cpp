@@ -136,9 +136,11 @@ TEST(Schemas, HoldTheExamplesAndThePages) {
     EXPECT_EQ(schemaRefusal("machine_file.schema.json", readFile(kSource + "/examples/quick/machine.json")),
               "");
     EXPECT_EQ(schemaRefusal("machine_file.schema.json", machinePage), "");
+    const auto whole = resultText("", R"(, "machine": )" + machinePage);
+    EXPECT_EQ(schemaRefusal("result_file.schema.json", whole), "");
     OpenOptions withQuickMachine{.machineFile = kSource + "/examples/quick/machine.json"};
     EXPECT_NO_THROW(parseResult(resultPage, "page", withQuickMachine));
-    EXPECT_NO_THROW(parseResult(resultText("", R"(, "machine": )" + machinePage), "page"));
+    EXPECT_NO_THROW(parseResult(whole, "page"));
 }
 
 TEST(Schemas, RefuseWhatTheLoaderRefuses) {

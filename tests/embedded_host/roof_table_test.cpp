@@ -114,24 +114,25 @@ TEST(RoofTable, TheUsersValueWinsForExactlyItsSetUp) {
 }
 
 TEST(RoofTable, TellsWhatARoofIs) {
-    const auto table = tableOf(R"({"name": "My DRAM", "id": 6, "value": 1, "unit": "GB/s"},
+    const auto table = tableOf(R"roofs({"name": "My DRAM", "id": 6, "value": 1, "unit": "GB/s"},
         {"name": "DRAM bandwidth (single node)", "value": 2, "unit": "GB/s"},
         {"id": 7, "value": 3, "unit": "GFLOP/s"},
         {"id": 99, "name": "Half FMA", "value": 4, "unit": "GFLOP/s", "arith": "float16", "opKind": "fma"},
-        {"id": 98, "name": "Near", "value": 5, "unit": "GiB/s", "level": "L2"})", "", 1);
+        {"id": 98, "name": "Near", "value": 5, "unit": "GiB/s", "level": "L2"})roofs",
+                               "", 1);
     std::string text;
-for (auto roofs = table->getRoofs(""); !roofs.isEnd(); ++roofs) {
-    const auto roof = *roofs;
-    text += fmt::format("{} '{}' {} type {:x} level {} op {} arith {}\n", static_cast<int>(roof.id),
-                        roof.name, roof.value, roof.typeBits, static_cast<int>(roof.memoryLevel),
-                        static_cast<int>(roof.roofOpType), static_cast<int>(roof.arithType));
-}
-EXPECT_EQ(text,
-          "6 'My DRAM' 1000000000 type 8 level 6 op 0 arith 0\n"
-          "6 'DRAM bandwidth (single node)' 2000000000 type 28 level 6 op 0 arith 0\n"
-          "7 'SP Vector FMA Peak' 3000000000 type 4 level 0 op 2 arith 3\n"
-          "98 'Near' 5368709120 type 8 level 2 op 0 arith 0\n"
-          "99 'Half FMA' 4000000000 type 4 level 0 op 2 arith 2\n");
+    for (auto roofs = table->getRoofs(""); !roofs.isEnd(); ++roofs) {
+        const auto roof = *roofs;
+        text += fmt::format("{} '{}' {} type {:x} level {} op {} arith {}\n", static_cast<int>(roof.id),
+                            roof.name, roof.value, roof.typeBits, static_cast<int>(roof.memoryLevel),
+                            static_cast<int>(roof.roofOpType), static_cast<int>(roof.arithType));
+    }
+    EXPECT_EQ(text,
+              "6 'My DRAM' 1000000000 type 8 level 6 op 0 arith 0\n"
+              "6 'DRAM bandwidth (single node)' 2000000000 type 28 level 6 op 0 arith 0\n"
+              "7 'SP Vector FMA Peak' 3000000000 type 4 level 0 op 2 arith 3\n"
+              "98 'Near' 5368709120 type 8 level 2 op 0 arith 0\n"
+              "99 'Half FMA' 4000000000 type 4 level 0 op 2 arith 2\n");
 }
 
 TEST(RoofTable, IsThereWithoutAMachine) {
