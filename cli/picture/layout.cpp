@@ -101,6 +101,7 @@ private:
     Point onScreen(double x, double y) const { return {m_x.at(x), m_y.at(y)}; }
 
     void placeMarks() {
+        m_picture.isCrowded = SizeKey::isCrowded(m_document);
         std::map<std::string, Point> lastOfRow;
         for (const auto& point : m_document.points) {
             const auto center = onScreen(point.x, point.y);

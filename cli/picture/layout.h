@@ -24,7 +24,7 @@ struct RoofLine {
 
 struct Mark {
     Point center;
-    double radius = 0.0;  // 0 on totals, which have a size of their own
+    double radius = 0.0;
     std::string colour;
     std::string hover;
 };
@@ -47,6 +47,7 @@ struct Picture {
     std::vector<RoofLine> roofs;
     std::vector<Segment> ties;  // between the points that one row has at several memory levels
     std::vector<Mark> marks;    // large ones first, so that none hides another
+    bool isCrowded = false;     // marks are small and faint
     std::vector<Mark> totals;
     std::vector<Label> labels;
     std::vector<LegendRow> legend;

@@ -26,11 +26,9 @@ ColourKey::ColourKey(const ChartDocument& document) {
     std::set<std::string> types;
     for (const auto& point : document.points) types.insert(point.type);
     if (document.levels().size() > 1) {
-        m_heading = "Memory level";
+        m_by = By::Level;
     } else if (types.size() > 1 && types.size() <= kMostTypes) {
-        m_heading = "Loop type";
-    } else {
-        m_heading = "Code";
+        m_by = By::Type;
     }
     for (const auto& point : document.points) {
         const auto text = groupOf(point);
@@ -40,7 +38,7 @@ ColourKey::ColourKey(const ChartDocument& document) {
         ++entry->count;
     }
     // Levels keep the document's order, innermost first.
-    if (m_heading != "Memory level")
+    if (m_by != By::Level)
         std::stable_sort(m_entries.begin(), m_entries.end(),
                          [](const Entry& a, const Entry& b) { return a.count > b.count; });
     if (m_entries.size() > kPalette.size()) {
@@ -55,9 +53,14 @@ ColourKey::ColourKey(const ChartDocument& document) {
     }
 }
 
+const char* ColourKey::heading() const {
+    static constexpr std::array<const char*, 3> kHeadings{"Memory level", "Loop type", "Code"};
+    return kHeadings.at(static_cast<std::size_t>(m_by));
+}
+
 std::string ColourKey::groupOf(const ChartPoint& point) const {
-    if (m_heading == "Memory level") return cleanText(point.level);
-    if (m_heading == "Loop type") return point.type.empty() ? "no type" : cleanText(point.type);
+    if (m_by == By::Level) return cleanText(point.level);
+    if (m_by == By::Type) return point.type.empty() ? "no type" : cleanText(point.type);
     if (!point.vectorised) return "vectorisation unknown";
     return *point.vectorised ? "vectorised" : "not vectorised";
 }
@@ -68,9 +71,11 @@ const std::string& ColourKey::colour(const ChartPoint& point) const {
 }
 
 SizeKey::SizeKey(const ChartDocument& document)
-    : m_smallest(document.points.size() > kMany ? kSmallestOfMany : kSmallest), m_largest(kLargest) {
+    : m_smallest(isCrowded(document) ? kSmallestOfMany : kSmallest), m_largest(kLargest) {
     for (const auto& point : document.points) m_topShare = std::max(m_topShare, point.share.value_or(0.0));
 }
+
+bool SizeKey::isCrowded(const ChartDocument& document) { return document.points.size() > kMany; }
 
 double SizeKey::radius(const ChartPoint& point) const { return radius(point.share.value_or(0.0)); }
 

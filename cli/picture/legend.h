@@ -19,14 +19,15 @@ public:
         std::size_t count = 0;
     };
     explicit ColourKey(const ChartDocument& document);
-    const std::string& heading() const { return m_heading; }
+    const char* heading() const;
     const std::vector<Entry>& entries() const { return m_entries; }
     const std::string& colour(const ChartPoint& point) const;
 
 private:
     std::string groupOf(const ChartPoint& point) const;
 
-    std::string m_heading;
+    enum class By { Level, Type, Vectorised };
+    By m_by = By::Vectorised;
     std::vector<Entry> m_entries;
     std::map<std::string, std::size_t> m_index;
 };
@@ -35,6 +36,7 @@ private:
 class SizeKey {
 public:
     explicit SizeKey(const ChartDocument& document);
+    static bool isCrowded(const ChartDocument& document);
     double radius(const ChartPoint& point) const;
     double radius(double share) const;
     double largest() const { return m_largest; }

@@ -44,8 +44,7 @@ text { fill: #2b3440 }
 .panel { fill: #ffffff; fill-opacity: 0.94; stroke: #9aa5b1 }
 )";
 
-// In reading order of the page.
-constexpr double kBaseline = 0.35;  // of the font size, from a line's middle to its baseline
+constexpr double kBaseline = 0.35;  // from a line's middle to its baseline, in font sizes
 
 class Writer {
 public:
@@ -68,8 +67,8 @@ private:
     }
 
     void head(const Picture& picture) {
-        add(R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {0:g} {1:g}" width="{0:g}" height="{1:g}" )"
-            R"(font-family="{2}">)",
+        add(R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {0:g} {1:g}" )"
+            R"(width="{0:g}" height="{1:g}" font-family="{2}">)",
             picture.width, picture.height, kFonts);
         add("<style>{}</style>", kStyle);
         add(R"(<rect width="{:g}" height="{:g}" fill="#ffffff"/>)", picture.width, picture.height);
@@ -110,24 +109,26 @@ private:
 
     void roofs(const Picture& picture) {
         for (const auto& roof : picture.roofs)
-            add(R"(<line class="roof {}{}" x1="{:.2f}" y1="{:.2f}" x2="{:.2f}" y2="{:.2f}"><title>{}</title></line>)",
+            add(R"(<line class="roof {}{}" x1="{:.2f}" y1="{:.2f}" x2="{:.2f}" y2="{:.2f}">)"
+                R"(<title>{}</title></line>)",
                 roof.isMemory ? "memory" : "compute", roof.isOuter ? " outer" : "", roof.line.from.x,
                 roof.line.from.y, roof.line.to.x, roof.line.to.y, escapeXml(roof.hover));
     }
 
     void marks(const Picture& picture) {
-        constexpr std::size_t kMany = 500;
-        add("<g{}>", picture.marks.size() > kMany ? R"( class="many")" : "");
+        add("<g{}>", picture.isCrowded ? R"( class="many")" : "");
         for (const auto& tie : picture.ties) line("tie", tie);
         for (const auto& mark : picture.marks)
-            add(R"(<circle class="mark" cx="{:.2f}" cy="{:.2f}" r="{:.2f}" fill="{}" stroke="{}"><title>{}</title></circle>)",
+            add(R"(<circle class="mark" cx="{:.2f}" cy="{:.2f}" r="{:.2f}" fill="{}" stroke="{}">)"
+                R"(<title>{}</title></circle>)",
                 mark.center.x, mark.center.y, mark.radius, mark.colour, mark.colour, escapeXml(mark.hover));
         add("</g>");
         for (const auto& total : picture.totals) diamond(total.center, total.hover);
     }
 
     void diamond(const Point& center, const std::string& hover) {
-        add(R"(<path class="total-mark" d="M{0:.2f} {1:.2f}l{2:g} {2:g}l-{2:g} {2:g}l-{2:g} -{2:g}z"><title>{3}</title></path>)",
+        add(R"(<path class="total-mark" d="M{0:.2f} {1:.2f}l{2:g} {2:g}l-{2:g} {2:g}l-{2:g} -{2:g}z">)"
+            R"(<title>{3}</title></path>)",
             center.x, center.y - kTotalRadius, kTotalRadius, escapeXml(hover));
     }
 

@@ -110,7 +110,7 @@ private:
         return bits | (executed && !m_file.boolean(*executed) ? row_type::kNotExecuted : 0);
     }
 
-    // An instruction mix is checked and kept for nobody yet: no chart reads it.
+    // A mix is checked and not kept: no chart reads it yet.
     void checkMix(const JsonValue& mix) const {
         if (!mix.IsObject()) m_file.refuse(mix, "an object of instruction counts by class number");
         std::vector<std::uint32_t> keys;

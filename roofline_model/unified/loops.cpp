@@ -81,9 +81,11 @@ public:
     // The index of the row's first record, or -1 when it has none.
     int addRow(const sptr_t<RowNode>& row, int parent) {
         m_reader.setRow(row);
-        m_loopId = roofline::helpers::getLoopId(row);
-        m_objId = roofline::getObjectId(row, m_dataset);
-        m_typeId.clear();
+        const std::string loopId = roofline::helpers::getLoopId(row);
+        const std::string objId = roofline::getObjectId(row, m_dataset);
+        m_loopId = loopId;
+        m_objId = objId == loopId ? m_loopId : variant_t(objId);
+        m_typeId = {};
         m_rowCaptions.clear();
         m_previous.clear();
         const auto first = m_chart.loops.size();
@@ -128,9 +130,11 @@ private:
     }
 
     void readType(const variant_t& type) {
-        if (!m_typeId.empty() || !type.isText()) return;
+        if (!m_typeId.isEmpty() || !type.isText()) return;
         auto& types = m_chart.loopTypes;
-        m_typeId = types.try_emplace(std::string(type.text()), std::to_string(types.size())).first->second;
+        auto known = types.find(type.text());
+        if (known == types.end()) known = types.emplace(type.text(), std::to_string(types.size())).first;
+        m_typeId = known->second;
     }
 
     void mergeIntoLast(std::size_t set) {
@@ -144,10 +148,10 @@ private:
         const Captions& captions = m_sets[set].second;
         addOnce(m_rowCaptions, captions.empty() ? m_defaultCaptions : captions);
         addOnce(m_chart.captions, captions.empty() ? m_defaultCaptions : captions);
-        record.set("id", m_loopId);
-        record.set("objId", m_objId);
+        record.set("id", m_loopId, 0);
+        record.set("objId", m_objId, 0);
         if (!m_levelPrefixes[set].empty()) record.set("memoryLevelPref", m_levelPrefixes[set]);
-        if (!m_typeId.empty()) record.set("type", m_typeId);
+        record.set("type", m_typeId, 0);
         if (parent >= 0) attach(record, parentOf(captions, parent));
         updateViewRect(m_chart.viewRect, m_coordinates);
         if (m_onLoop) m_onLoop(record);
@@ -186,9 +190,9 @@ private:
     RowReader m_reader;
 
     // Of the current row.
-    std::string m_loopId;
-    std::string m_objId;
-    std::string m_typeId;
+    variant_t m_loopId;  // texts, shared by the row's records
+    variant_t m_objId;
+    variant_t m_typeId;
     std::vector<variant_t> m_values;  // by parameter
     Captions
         m_rowCaptions;  // of its records so far: another row's would label it with levels that it never had

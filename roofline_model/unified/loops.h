@@ -65,7 +65,7 @@ private:
     bool m_valid = true;
 };
 
-using LoopTypes = std::map<std::string, std::string>;
+using LoopTypes = std::map<std::string, std::string, std::less<>>;
 
 // Walks the rows and makes a record for each that has a point, one a configuration; configurations that land
 // on the same point share one. Children hang under their parent's record of the same memory level. loops: the

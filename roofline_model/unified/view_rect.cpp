@@ -17,7 +17,8 @@ void extend(double& lowest, double& highest, double value) {
 bool isComplete(std::string_view name, const Coordinates& coordinates, char own, char other) {
     return name.starts_with(own) &&
            std::any_of(coordinates.begin(), coordinates.end(), [name, other](const auto& candidate) {
-               return candidate.first.starts_with(other) && candidate.first.substr(1) == name.substr(1);
+               return candidate.first.size() == name.size() && candidate.first.front() == other &&
+                      std::equal(name.begin() + 1, name.end(), candidate.first.begin() + 1);
            });
 }
 

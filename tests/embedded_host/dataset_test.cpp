@@ -1,7 +1,7 @@
 // Datasets as views on the rows of a result file: tree and flat order, cells, foreign nodes, lifetime.
 #include "host_interfaces/signals.h"
 
-#include "result_text.h"
+#include "tests/embedded_host/result_text.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>

@@ -1,5 +1,5 @@
 // What is derived of the cells given: text in, text out. The rows run on 4 threads.
-#include "result_text.h"
+#include "tests/embedded_host/result_text.h"
 
 #include <gtest/gtest.h>
 
@@ -21,9 +21,10 @@ constexpr Derived kDerived[] = {
     {"BothTimesStay", R"("SelfTime": 8, "SelfElapsedTime": 5)",
      "SelfTime=8 TotalTime=8 SelfElapsedTime=5 TotalElapsedTime=5"},
     {"TrafficOfItsParts", R"("SelfL1Load": 3, "SelfL1Store": 1, "SelfDramStore": 2)",
-     "SelfMemL1=4 TotalMem=4 SelfL1Load=3 SelfL1Store=1 SelfDramStore=2 SelfMemDram=2"},
+     "SelfMemL1=4 TotalMem=4 SelfL1Load=3 SelfL1Store=1 TotalL1Load=3 TotalL1Store=1 "
+     "SelfDramStore=2 SelfMemDram=2 TotalDramStore=2"},
     {"TrafficGivenWins", R"("SelfL2Load": 3, "SelfL2Store": 1, "SelfMemL2": 9)",
-     "SelfL2Load=3 SelfL2Store=1 SelfMemL2=9"},
+     "SelfL2Load=3 SelfL2Store=1 SelfMemL2=9 TotalL2Load=3 TotalL2Store=1"},
     {"MixedOfBoth", R"("SelfFloatOps": 3, "SelfIntOps": 1)",
      "SelfFloatOps=3 SelfIntOps=1 TotalFloatOps=3 TotalIntOps=1 SelfMixedOps=4 TotalMixedOps=4"},
     {"MixedOfTheOnePresent", R"("SelfIntOps": 1)",
@@ -41,7 +42,8 @@ constexpr Derived kDerived[] = {
      "SelfTime=0 TotalTime=0 SelfIntOps=6 SelfMemL1=0 SelfElapsedTime=0 TotalIntOps=6 TotalMem=0 "
      "TotalElapsedTime=0 SelfMixedOps=6 TotalMixedOps=6"},
     {"OverflowIsMissing", R"("SelfL1Load": 1.5e308, "SelfL1Store": 1.5e308, "SelfElapsedTime": 1e308)",
-     "SelfElapsedTime=1e+308 TotalElapsedTime=1e+308 SelfL1Load=1.5e+308 SelfL1Store=1.5e+308"},
+     "SelfElapsedTime=1e+308 TotalElapsedTime=1e+308 SelfL1Load=1.5e+308 SelfL1Store=1.5e+308 "
+     "TotalL1Load=1.5e+308 TotalL1Store=1.5e+308"},
     {"MangledName", R"("FunctionName": "f")", "FunctionName=f MangledName=f"},
     {"MangledNameGivenWins", R"("FunctionName": "f", "MangledName": "_Z1f")",
      "FunctionName=f MangledName=_Z1f"},

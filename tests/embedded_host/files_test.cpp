@@ -1,7 +1,7 @@
 // Files on disk: reading, writing, machines beside results, the schemas against the examples.
 #include "host_interfaces/signals.h"
 
-#include "result_text.h"
+#include "tests/embedded_host/result_text.h"
 
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>

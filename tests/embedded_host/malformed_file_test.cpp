@@ -1,6 +1,6 @@
 // What result and machine files are refused for: each row of a table is a text, the place told and the
 // reason.
-#include "result_text.h"
+#include "tests/embedded_host/result_text.h"
 
 #include <gtest/gtest.h>
 
@@ -141,6 +141,17 @@ INSTANTIATE_TEST_SUITE_P(Files, MalformedFile, testing::ValuesIn(kRefused),
 TEST(MalformedFile, TellsThatBitsAreNoBytes) {
     EXPECT_NE(refusalOf(roof(R"("id": 6, "value": 1, "unit": "Gb/s")")).find("b stands for bits"),
               std::string::npos);
+}
+
+TEST(MalformedFile, IsRefusedForAnythingButUtf8) {
+    for (const auto* const good : {"\xC3\xA9", "\xE2\x82\xAC", "\xED\x9F\xBF", "\xF0\x9F\x98\x80"}) {
+        EXPECT_EQ(refusalOf(program(fmt::format("\"name\": \"{}\"", good))), "accepted");
+    }
+    for (const auto* const bad : {"\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF",
+                                  "\xF4\x90\x80\x80", "\xE2\x82", "\xFF"}) {
+        EXPECT_NE(refusalOf(program(fmt::format("\"name\": \"{}\"", bad))).find("expected UTF-8"),
+                  std::string::npos);
+    }
 }
 
 TEST(MalformedFile, ShortensThePlaceOfADeepRow) {

@@ -1,7 +1,7 @@
 // Which roofs stand for a thread set-up, and with what values.
 #include "embedded_host/result/units.h"
 
-#include "result_text.h"
+#include "tests/embedded_host/result_text.h"
 
 #include <gtest/gtest.h>
 
@@ -13,10 +13,13 @@ using Perspective = IRooflineInfo::Perspective;
 
 // Four cores; measured on 1, 2 and 4 threads, but for roof 8 only on one thread and for roof 1 on 2 and 4.
 const std::string kRoofs = R"(
-    {"id": 6, "value": 10, "unit": "GB/s", "threads": 1}, {"id": 6, "value": 30, "unit": "GB/s", "threads": 4},
-    {"id": 6, "value": 18, "unit": "GB/s", "threads": 2}, {"id": 1, "value": 200, "unit": "GB/s", "threads": 2},
+    {"id": 6, "value": 10, "unit": "GB/s", "threads": 1},
+    {"id": 6, "value": 30, "unit": "GB/s", "threads": 4},
+    {"id": 6, "value": 18, "unit": "GB/s", "threads": 2},
+    {"id": 1, "value": 200, "unit": "GB/s", "threads": 2},
     {"id": 1, "value": 390, "unit": "GB/s", "threads": 4}, {"id": 8, "value": 50, "unit": "GFLOP/s"},
-    {"name": "scalar l1 bandwidth", "value": 40, "unit": "GB/s"}, {"id": 16, "value": 20, "unit": "GINTOP/s"})";
+    {"name": "scalar l1 bandwidth", "value": 40, "unit": "GB/s"},
+    {"id": 16, "value": 20, "unit": "GINTOP/s"})";
 
 std::shared_ptr<IRoofManager> tableOf(const std::string& roofs, const std::string& members, int usedThreads) {
     return viewOf("", fmt::format(R"(, "program": {{"usedThreads": {}}}, "machine": {})", usedThreads,
@@ -78,11 +81,19 @@ INSTANTIATE_TEST_SUITE_P(SetUps, RoofTable, testing::ValuesIn(kAsked),
 
 TEST(RoofTable, OuterLevelsStayWithinTheLargestValueMeasured) {
     const auto table = tableOf(R"({"id": 2, "value": 50, "unit": "GB/s", "threads": 2},
-        {"id": 3, "value": 40, "unit": "GB/s", "threads": 2}, {"id": 3, "value": 45, "unit": "GB/s", "threads": 8})",
+        {"id": 3, "value": 40, "unit": "GB/s", "threads": 2},
+        {"id": 3, "value": 45, "unit": "GB/s", "threads": 8})",
                                "", 1);
     EXPECT_EQ(linesOf(table->getRoofs(configurationOf(4))), "2=100 3=45");
     EXPECT_EQ(linesOf(table->getRoofs(configurationOf(16))), "2=400 3=45");
     EXPECT_EQ(linesOf(table->getRoofs(configurationOf(1))), "2=25 3=40");
+}
+
+TEST(RoofTable, AMeasurementBeyondTheCoresIsNotScaledDown) {
+    const auto table = tableOf(R"({"id": 8, "value": 60, "unit": "GFLOP/s", "threads": 6})",
+                               R"(, "cores": {"physical": 4})", 1);
+    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(8))), "8=60");
+    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(2))), "8=20");
 }
 
 TEST(RoofTable, PrefersMeasurementsOnNoMorePackagesThanAsked) {
