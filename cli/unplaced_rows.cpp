@@ -15,7 +15,7 @@ using Dataset = sptr_t<IDataset>;
 using Row = sptr_t<RowNode>;
 
 // Rows that the chart passes over silently: no loops or functions of their own.
-constexpr std::uint64_t kNoChartRow = row_type::kNoLoop1 | row_type::kNoLoop2 | row_type::kHidden;
+constexpr std::uint64_t kNoChartRow = 0x2 | 0x4 | row_type::kHidden;
 
 struct OperationFields {
     std::string_view option;

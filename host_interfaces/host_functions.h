@@ -44,7 +44,8 @@ inline constexpr std::size_t kMaxMessageArguments = 3;
 OMBRIX_API std::string toText(const variant_t& value);
 
 namespace roof {
-// Float for a compute roof of a float type, Int for an integer type, Undefined for a memory roof.
+// Float for a compute roof of a float type, Int for an integer type, Undefined for a memory roof and a type
+// that isn't known.
 OMBRIX_API OperationsType getOperationsType(const RoofItem& roof);
 OMBRIX_API bool hasType(const RoofItem& roof, RoofItem::Type type);
 // The text by which the roof table selects the roofs of a thread set-up.
