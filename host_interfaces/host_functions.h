@@ -67,7 +67,8 @@ OMBRIX_API unsigned getTypeMaxWidth(const std::string& text, const std::string& 
 }  // namespace isa_helpers
 
 namespace roof {
-// Float for a compute roof of a float type, Int for an integer type, Undefined for a memory roof.
+// Float for a compute roof of a float type, Int for an integer type, Undefined for a memory roof and a type
+// that isn't known.
 OMBRIX_API OperationsType getOperationsType(const RoofItem& roof);
 OMBRIX_API bool hasType(const RoofItem& roof, RoofItem::Type type);
 // The text by which the roof table selects the roofs of a thread set-up.

@@ -46,8 +46,6 @@ enum class DataType : int {
 
 // Bits of a row's type. Only those that the library or this host tests have a name.
 namespace row_type {
-inline constexpr std::uint64_t kNoLoop1 = 0x2;
-inline constexpr std::uint64_t kNoLoop2 = 0x4;
 inline constexpr std::uint64_t kHidden = 0x8;
 inline constexpr std::uint64_t kVectorized = 0x100;
 inline constexpr std::uint64_t kNotExecuted = 0x400;

@@ -87,6 +87,8 @@ public:
     variant_t(float value) noexcept : m_kind(kFloat) { m_data.d = value; }
     variant_t(double value) noexcept : m_kind(kDouble) { m_data.d = value; }
     variant_t(std::string text) : variant_t(sptr_t<const SharedText>(new SharedText(std::move(text)))) {}
+    template <class T>
+    variant_t(T*) = delete;  // would be taken for a bool
     variant_t(const char* text) : variant_t(std::string(text ? text : "")) {}
     // A null text makes an empty variant.
     variant_t(sptr_t<const SharedText> text) noexcept {

@@ -13,8 +13,8 @@
 
 namespace data_models2 {
 
-// The numeric attribute `name`, or `defaultValue` when it is missing or no number. T is double or a 64-bit
-// integer.
+// The numeric attribute `name`, or `defaultValue` when it is missing or no number. T is double, long long or
+// unsigned long long.
 template <class T>
 T getBagAttribute(const variant_bag_t& bag, const std::string& name, const T& defaultValue) {
     const auto found = bag.find(name);
@@ -34,7 +34,8 @@ struct VBagAttr {
 };
 
 struct VBagHelper {
-    // Stores one attribute; an attribute of that name is replaced.
+    // Stores one attribute. A value of that name is replaced; a bag is appended, since the children of a list
+    // share their name.
     template <class T>
     static void addAttribute(variant_bag_t& bag, const VBagAttr<T>& attribute) {
         const auto node = [&] {
@@ -44,7 +45,7 @@ struct VBagHelper {
                 return variant_bag_t(variant_t(attribute.value));
         }();
         const auto found = bag.find(attribute.name);
-        if (found == bag.not_found())
+        if (std::is_same_v<T, variant_bag_t> || found == bag.not_found())
             bag.push_back({attribute.name, node});
         else
             found->second = node;

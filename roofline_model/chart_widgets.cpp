@@ -136,8 +136,7 @@ std::string getMeasureText(int measureKind) {
 void BaseRooflineWidget::addExpl(const std::string& level, DataType dataType, bool isSelf,
                                  OperationsType operations) {
     m_explanation.push_back(translate(level.empty() ? "roofline_widget_expl" : level));
-    m_explanation.push_back(
-        translate(isSelf ? "roofline_memory_self_expl" : "roofline_memory_total_expl"));
+    m_explanation.push_back(translate(isSelf ? "roofline_memory_self_expl" : "roofline_memory_total_expl"));
     if (dataType == DataType::CpuTopDown)
         m_explanation.push_back(translate("roofline_memory_topdown_expl"));
     else if (dataType == DataType::Cpu)
@@ -187,8 +186,8 @@ std::vector<ChartRoof> RooflineWidget::roofs() const {
     std::vector<ChartRoof> result;
     for (const auto& roof : m_roofs) {
         const bool isMemory = roof::hasType(roof, RoofItem::Memory);
-        result.push_back({roof.name, isMemory, getRoofMeasureTranslated(isMemory, m_operationsType),
-                          logHeight(roof)});
+        result.push_back(
+            {roof.name, isMemory, getRoofMeasureTranslated(isMemory, m_operationsType), logHeight(roof)});
     }
     return result;
 }
@@ -228,8 +227,8 @@ variant_bag_t MemoryMetricWidget::get() const {
 
 void BottleneckWidget::addLoopWithLimitingRoof(double x, double y, const std::string& name, double roofHeight,
                                                double crossingY, double utilization, int measureKind) {
-    m_loops.push_back({name, x, y, roofHeight,
-                       BottleneckLoop::Limit{crossingY, utilization, getMeasureText(measureKind)}});
+    m_loops.push_back(
+        {name, x, y, roofHeight, BottleneckLoop::Limit{crossingY, utilization, getMeasureText(measureKind)}});
 }
 
 void BottleneckWidget::addLoopWithLimitingFactor(double x, double y, const std::string& name) {

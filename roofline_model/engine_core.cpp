@@ -21,7 +21,7 @@ Totals makeTotals(const AnalysisKind& kind, const EngineCore::Metrics& metrics,
                   const sptr_t<IDataset>& dataset, const RooflineConfigurations& configurations,
                   int memoryLevels, double elapsedTime) {
     const std::string& firstLevel = kind.totalLevels.front();
-    if (configurations.empty()) return {{.name = firstLevel}};
+    if (configurations.empty()) return Totals(1, roofline::helpers::SRooflineTotal{.name = firstLevel});
     const OperationsType operations = operationsOf(*configurations.begin());
     if (!metrics) return {getRooflineTotal(dataset, operations, firstLevel)};
     Totals totals{getRooflineTotal(*metrics, operations, firstLevel, elapsedTime)};
@@ -67,14 +67,16 @@ std::string EngineCore::getRooflineData(const sptr_t<IDataset>& first, const spt
 
 std::shared_ptr<IRoofManager> EngineCore::getRoofManager() const {
     auto roofManager = m_viewModel ? m_viewModel->getRoofManager(m_kind.rows) : nullptr;
-    if (!roofManager) reportAssertion("roofManager", "roofline_engine", __LINE__);
+    if (!roofManager) reportAssertion("roofManager", "roofline_model/roofline_engine", __LINE__);
     return roofManager;
 }
 
 void EngineCore::calcViewRect(const sptr_t<IDataset>& first, const sptr_t<IDataset>& second) {
     if (!m_viewRect.isEmpty() || !first || !second || !m_options) return;
-    calcViewRectImp(m_viewRect, first, m_kind.tables().params, m_options, false);
-    calcViewRectImp(m_viewRect, second, m_kind.tables().params, m_options, true);
+    RooflineViewRect rect = m_viewRect;  // a walk that fails leaves the engine without one
+    calcViewRectImp(rect, first, m_kind.tables().params, m_options, false);
+    calcViewRectImp(rect, second, m_kind.tables().params, m_options, true);
+    m_viewRect = rect;
 }
 
 }  // namespace data_models2

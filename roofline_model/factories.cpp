@@ -10,10 +10,7 @@
 namespace data_models2 {
 
 std::shared_ptr<IRooflineInfo> createRooflineInfo(std::shared_ptr<ISurveyingViewModel> viewModel) {
-    using Info = std::shared_ptr<IRooflineInfo>;
-    auto engine =
-        roofline::guarded(Info(), [&]() -> Info { return std::make_shared<CRooflineEngine>(viewModel); });
-    return engine ? engine : std::make_shared<CRooflineEngine>();
+    return std::make_shared<CRooflineEngine>(std::move(viewModel));
 }
 
 std::shared_ptr<IRowRooflineInfo> createRowRooflineInfo(const sptr_t<RowNode>& row,

@@ -5,7 +5,7 @@
 namespace data_models2::roofline {
 
 namespace {
-const LogChannel kLog("utils");
+constinit const LogChannel kLog{"utils"};
 }
 
 void logSwallowed(const char* what) noexcept {

@@ -19,7 +19,7 @@ double valueOr0(const Map& map, const Key& key) {
 }
 
 // A missing type or level and what can't be told from 0 read as 0.
-double cell(const CMemoryLevelMetrics::TypeLevelMap& map, OperationsType type, const std::string& level) {
+double sumOf(const CMemoryLevelMetrics::TypeLevelMap& map, OperationsType type, const std::string& level) {
     const auto levels = map.find(type);
     if (levels == map.end()) return 0.0;
     const double value = valueOr0(levels->second, level);
@@ -64,30 +64,30 @@ double CMemoryLevelMetrics::getTotalAI(OperationsType type, const std::string& l
 }
 
 double CMemoryLevelMetrics::getTotalNonZeroGBs(OperationsType type, const std::string& level) const {
-    return cell(m_nonZeroGBs, type, level);
+    return sumOf(m_nonZeroGBs, type, level);
 }
 
 double CMemoryLevelMetrics::getTotalNonZeroElapsedTime(OperationsType type, const std::string& level) const {
-    return cell(m_nonZeroElapsedTime, type, level);
+    return sumOf(m_nonZeroElapsedTime, type, level);
 }
 
 double CMemoryLevelMetrics::getTotalNonZeroTime(OperationsType type, const std::string& level) const {
-    return cell(m_nonZeroTime, type, level);
+    return sumOf(m_nonZeroTime, type, level);
 }
 
 double CMemoryLevelMetrics::getTotalNonZeroOps(OperationsType type, const std::string& level) const {
-    return quotient(cell(m_nonZeroOps, type, level), cell(m_nonZeroElapsedTime, type, level));
+    return quotient(sumOf(m_nonZeroOps, type, level), sumOf(m_nonZeroElapsedTime, type, level));
 }
 
 double CMemoryLevelMetrics::getTotalNonZeroAI(OperationsType type, const std::string& level) const {
-    return quotient(cell(m_nonZeroOps, type, level), cell(m_nonZeroGBs, type, level));
+    return quotient(sumOf(m_nonZeroOps, type, level), sumOf(m_nonZeroGBs, type, level));
 }
 
 RooflineMemoryMetricsRowVisitHandler::RooflineMemoryMetricsRowVisitHandler(sptr_t<IDataset> dataset,
                                                                            MetricRecipe recipe)
     : m_dataset(std::move(dataset)),
       m_recipe(withDefaults(std::move(recipe))),
-      m_cells(m_recipe.operations.size() * m_recipe.traffic.size()),
+      m_sums(m_recipe.operations.size() * m_recipe.traffic.size()),
       m_rowTraffic(m_recipe.traffic.size()) {
     for (const auto& entry : m_recipe.operations)
         if (entry.first) entry.first->init(m_dataset);
@@ -128,8 +128,8 @@ variant_bag_t RooflineMemoryMetricsRowVisitHandler::handlePreVisit(const sptr_t<
 
 variant_bag_t RooflineMemoryMetricsRowVisitHandler::handlePostVisit(const sptr_t<RowNode>&,
                                                                     const variant_bag_t&) {
-    reportAssertion("RooflineMemoryMetricsRowVisitHandler::handlePostVisit not implemented", "memory_metrics",
-                    __LINE__);
+    reportAssertion("RooflineMemoryMetricsRowVisitHandler::handlePostVisit not implemented",
+                    "roofline_model/memory_metrics", __LINE__);
     return {};
 }
 
@@ -147,7 +147,7 @@ void RooflineMemoryMetricsRowVisitHandler::addRow(const sptr_t<RowNode>& row, do
         if (!(ops > kMeasurable)) continue;
         for (std::size_t level = 0; level < m_rowTraffic.size(); ++level) {
             if (!(m_rowTraffic[level] > kMeasurable)) continue;
-            const Cell& sums = cellOf(operation, level);
+            const Sums& sums = sumsOf(operation, level);
             *sums.gigabytes += m_rowTraffic[level];
             *sums.operations += ops;
             *sums.elapsedTime += elapsedTime;
@@ -157,9 +157,9 @@ void RooflineMemoryMetricsRowVisitHandler::addRow(const sptr_t<RowNode>& row, do
 }
 
 // The maps' nodes never move, so a pair's place is looked up once a walk.
-RooflineMemoryMetricsRowVisitHandler::Cell& RooflineMemoryMetricsRowVisitHandler::cellOf(
+RooflineMemoryMetricsRowVisitHandler::Sums& RooflineMemoryMetricsRowVisitHandler::sumsOf(
     std::size_t operation, std::size_t level) {
-    Cell& result = m_cells[operation * m_recipe.traffic.size() + level];
+    Sums& result = m_sums[operation * m_recipe.traffic.size() + level];
     if (result.gigabytes) return result;
     const OperationsType type = m_recipe.operations[operation].second;
     const std::string& name = m_recipe.traffic[level].second;

@@ -72,7 +72,7 @@ public:
 
 private:
     // Where the sums of one pair of type and level stand in the maps; null until the pair's first row.
-    struct Cell {
+    struct Sums {
         double* gigabytes = nullptr;
         double* operations = nullptr;
         double* elapsedTime = nullptr;
@@ -81,12 +81,12 @@ private:
 
     bool accepts(const RowNode& row) const;
     void addRow(const sptr_t<RowNode>& row, double elapsedTime, double time);
-    Cell& cellOf(std::size_t operation, std::size_t level);
+    Sums& sumsOf(std::size_t operation, std::size_t level);
 
     sptr_t<IDataset> m_dataset;
     CMemoryLevelMetrics m_metrics;
     MetricRecipe m_recipe;
-    std::vector<Cell> m_cells;
+    std::vector<Sums> m_sums;  // by operation and level
     std::vector<double> m_rowTraffic;
 };
 

@@ -23,12 +23,12 @@ struct Keys {
     std::string descr;
 };
 
-// The first entry whose types the configuration has decides.
-const std::pair<RooflineTypes, const char*> kDescriptionSuffixes[]{{{"i"}, "_int"}};
+// The first entry whose type the configuration has decides.
+constexpr std::pair<const char*, const char*> kDescriptionSuffixes[]{{"i", "_int"}};
 
 std::string descriptionSuffix(const RooflineConfiguration& configuration) {
-    for (const auto& [types, suffix] : kDescriptionSuffixes)
-        if (configuration.hasTypes(types)) return suffix;
+    for (const auto& [type, suffix] : kDescriptionSuffixes)
+        if (configuration.hasType(type)) return suffix;
     return {};
 }
 
@@ -37,7 +37,7 @@ struct Rule {
     Keys (*keys)(const Situation&);
 };
 
-const Rule kRules[]{
+constexpr Rule kRules[]{
     {[](const Situation& s) {
          return !s.memoryData && !s.configuration.hasNoTypes({"L2", "L3", "L4", "L5", "DRAM"});
      },

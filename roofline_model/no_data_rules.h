@@ -12,8 +12,8 @@ namespace data_models2 {
 
 // What a walk over the rows told.
 struct RowStatistics {
-    double programOps = 0.0;  // of all rows
-    double chartOps = 0.0;    // of the rows on the chart
+    double programOps = 0.0;  // of the rows that the walk saw
+    double chartOps = 0.0;    // of the rows on the chart, once a record
     double rowTime = 0.0;     // of the last row with operations
     bool libraryRowSeen = false;
 };

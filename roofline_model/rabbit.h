@@ -23,9 +23,11 @@ class object;
 class array;
 
 // Texts are copied into the document. A number that isn't finite has no form in JSON: it becomes null.
-inline Value makeValue(std::string_view text, Allocator& allocator) {
-    return Value(text.data(), static_cast<rapidjson::SizeType>(text.size()), allocator);
+inline auto refer(std::string_view text) {  // rapidjson refuses a null pointer even for an empty text
+    return rapidjson::StringRef(text.data() ? text.data() : "",
+                                static_cast<rapidjson::SizeType>(text.size()));
 }
+inline Value makeValue(std::string_view text, Allocator& allocator) { return Value(refer(text), allocator); }
 inline Value makeValue(double number, Allocator&) { return std::isfinite(number) ? Value(number) : Value(); }
 inline Value makeValue(std::same_as<bool> auto flag, Allocator&) { return Value(flag); }
 inline Value makeValue(std::int32_t number, Allocator&) { return Value(number); }
@@ -101,9 +103,7 @@ private:
         FillItem fill;
     };
 
-    static Value keyOf(std::string_view key) {
-        return Value(rapidjson::StringRef(key.data(), static_cast<rapidjson::SizeType>(key.size())));
-    }
+    static Value keyOf(std::string_view key) { return Value(refer(key)); }
 
     Value m_value;
     Allocator* m_allocator;

@@ -4,13 +4,13 @@
 
 #include "roofline_model/roof_names.h"
 
-#include <map>
+#include <utility>
 
 namespace data_models2::roofline {
 
 namespace {
 
-const std::map<RoofThreadingFeatures::Strategy, std::string> kStrategies{
+constexpr std::pair<RoofThreadingFeatures::Strategy, const char*> kStrategies[]{
     {RoofThreadingFeatures::Strategy::MultiThread, "rsiMultiThread"},
     {RoofThreadingFeatures::Strategy::SingleThread, "rsiSingleThread"},
 };
@@ -33,8 +33,8 @@ rabbit::object toJSON(const RoofItem& roof, TargetDeviceType device, rabbit::All
     return result;
 }
 
-rabbit::object toJSON(const RoofThreadingFeatures& features, const std::string& strategy,
-                      const FillRoofs& fill, rabbit::Allocator& allocator) {
+rabbit::object toJSON(const RoofThreadingFeatures& features, const char* strategy, const FillRoofs& fill,
+                      rabbit::Allocator& allocator) {
     rabbit::array roofs(allocator);
     fill(roofs, features);
     rabbit::object result(allocator);

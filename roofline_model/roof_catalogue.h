@@ -15,8 +15,7 @@ namespace data_models2::roofline {
 void fillRoofs(rabbit::array& array, generic_iterator_t<RoofItem> roofs, TargetDeviceType device);
 
 // An array of the roofs of each thread set-up that a chart can offer: all packages and one, both strategies,
-// 1, 2, 4, 6
-// .. threads. `fill` writes the roofs of one set-up.
+// threads 1, 2, 4, 6 and so on. `fill` writes the roofs of one set-up.
 using FillRoofs = std::function<void(rabbit::array&, const RoofThreadingFeatures&)>;
 std::string getAllRoofs(const ThreadsInfo& info, const FillRoofs& fill);
 

@@ -13,7 +13,6 @@
 #include <array>
 #include <iomanip>
 #include <locale>
-#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -65,18 +64,19 @@ constexpr auto kLevelMessages = std::to_array<std::pair<const char*, const char*
 });
 
 struct AxisMessages {
+    FieldId field;
     const char* caption;
     const char* measure;
 };
 
-const std::map<FieldId, AxisMessages> kAxes{
-    {FieldId::SelfFloatAi, {"roofline_ai_axis_caption", "roofline_ai_axis_measure"}},
-    {FieldId::SelfIntAi, {"roofline_ai_axis_caption", "roofline_ai_axis_measure_int"}},
-    {FieldId::SelfMixedAi, {"roofline_ai_axis_caption", "roofline_ai_axis_measure_int_float"}},
-    {FieldId::SelfGFlops, {"roofline_perf_axis_caption", "roofline_perf_axis_measure"}},
-    {FieldId::SelfGIntOps, {"roofline_perf_axis_caption", "roofline_perf_axis_measure_int"}},
-    {FieldId::SelfGMixedOps, {"roofline_perf_axis_caption", "roofline_perf_axis_measure_int_float"}},
-};
+constexpr auto kAxes = std::to_array<AxisMessages>({
+    {FieldId::SelfFloatAi, "roofline_ai_axis_caption", "roofline_ai_axis_measure"},
+    {FieldId::SelfIntAi, "roofline_ai_axis_caption", "roofline_ai_axis_measure_int"},
+    {FieldId::SelfMixedAi, "roofline_ai_axis_caption", "roofline_ai_axis_measure_int_float"},
+    {FieldId::SelfGFlops, "roofline_perf_axis_caption", "roofline_perf_axis_measure"},
+    {FieldId::SelfGIntOps, "roofline_perf_axis_caption", "roofline_perf_axis_measure_int"},
+    {FieldId::SelfGMixedOps, "roofline_perf_axis_caption", "roofline_perf_axis_measure_int_float"},
+});
 
 constexpr std::array<const char*, 3> kOperationTokens{"f", "i", "b"};
 
@@ -92,6 +92,16 @@ std::vector<std::string> splitTokens(const std::string& configuration) {
 }  // namespace
 
 namespace helpers {
+
+namespace {
+// The message id of a level's caption; null for an unknown level.
+const char* findLevelMessage(const std::string& name) {
+    const std::string shortName = getRoofShortName(name);
+    const auto found = std::find_if(kLevelMessages.begin(), kLevelMessages.end(),
+                                    [&](const auto& entry) { return entry.first == shortName; });
+    return found == kLevelMessages.end() ? nullptr : found->second;
+}
+}  // namespace
 
 std::string getRoofNameById(RoofId id) {
     const auto found = std::find_if(kRoofNames.begin(), kRoofNames.end(),
@@ -117,19 +127,14 @@ std::string getRoofDescription(const std::string& name, TargetDeviceType target)
 }
 
 std::string getMemLevelPrefixName(const std::string& name) {
-    const std::string shortName = getRoofShortName(name);
-    const auto found = std::find_if(kLevelMessages.begin(), kLevelMessages.end(),
-                                    [&](const auto& entry) { return entry.first == shortName; });
-    if (found == kLevelMessages.end()) throw std::out_of_range("no memory level is named " + name);
-    return translate(found->second);
+    const char* message = findLevelMessage(name);
+    if (!message) throw std::out_of_range("no memory level is named " + name);
+    return translate(message);
 }
 
 std::string getMemLevelCaption(const std::string& name) {
-    try {
-        return getMemLevelPrefixName(name);
-    } catch (const std::out_of_range&) {
-        return name;
-    }
+    const char* message = findLevelMessage(name);
+    return message ? translate(message) : name;
 }
 
 const std::string& getRoofMeasureTranslated(bool isMemory, OperationsType operations) {
@@ -141,9 +146,10 @@ const std::string& getRoofMeasureTranslated(bool isMemory, OperationsType operat
 }
 
 AxisText getRoofAxesTranslated(FieldId field) {
-    const auto found = kAxes.find(field);
+    const auto found = std::find_if(kAxes.begin(), kAxes.end(),
+                                    [field](const AxisMessages& axis) { return axis.field == field; });
     if (found == kAxes.end()) return {};
-    return {translate(found->second.caption), translate(found->second.measure)};
+    return {translate(found->caption), translate(found->measure)};
 }
 
 RoofId getGpuLastMemLevelRoofId(const std::string& name) {

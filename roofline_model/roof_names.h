@@ -32,6 +32,7 @@ struct AxisText {
 // The texts of the axis that shows a self intensity or performance field; empty for any other field.
 AxisText getRoofAxesTranslated(FieldId field);
 
+// The roof of a device's last memory level, by its token; the external link's for an unknown one.
 RoofId getGpuLastMemLevelRoofId(const std::string& name);
 // `value` with `precision` digits behind the point.
 std::string double2Str(double value, int precision);
@@ -50,7 +51,7 @@ std::string getRooflineTypeFromOpsType(OperationsType type);
 // Undefined.
 OperationsType getRooflineOperationType(const std::string& configuration);
 // The configuration strings with the token "b" replaced by the token of `operations` ("f", or "i" for all but
-// Float).
+// Float); other tokens stay, so a string that names both types goes on naming both.
 std::vector<std::string> transformRooflineTypes(std::vector<std::string> types, OperationsType operations);
 // A base type folded with its width in bits; None for an unsupported pair.
 ArithTypeExtDef getArithTypeExtDef(ArithTypeDef base, unsigned bits);

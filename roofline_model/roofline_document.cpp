@@ -13,14 +13,14 @@ namespace {
 constexpr int kAnyLibrary = 1;
 
 // The count that tells whether a chart of these types has anything to show; the first match decides.
-const std::pair<RooflineTypes, FieldId> kOperationFields[]{
-    {{"i"}, FieldId::SelfIntOps},
-    {{"b"}, FieldId::SelfMixedOps},
+constexpr std::pair<const char*, FieldId> kOperationFields[]{
+    {"i", FieldId::SelfIntOps},
+    {"b", FieldId::SelfMixedOps},
 };
 
 FieldId operationField(const RooflineConfiguration& configuration) {
-    for (const auto& [types, field] : kOperationFields)
-        if (configuration.hasTypes(types)) return field;
+    for (const auto& [type, field] : kOperationFields)
+        if (configuration.hasType(type)) return field;
     return FieldId::SelfFloatOps;
 }
 

@@ -18,9 +18,10 @@ using roofline::guarded;
 
 namespace {
 
-const roofline::LogChannel kLog("roofline_engine");
+constinit const roofline::LogChannel kLog{"roofline_engine"};
 
-OperationsType operationsOf(const std::string& configuration, const EngineCore::Options& options) {
+// Deliberate: unlike the chart, roofs stand at mixed operations when nothing is said.
+OperationsType roofOperationsOf(const std::string& configuration, const EngineCore::Options& options) {
     RooflineConfigurations configurations;
     if (!configurations.init(configuration, options) || configurations.empty()) return OperationsType::Mixed;
     const RooflineConfiguration& first = *configurations.begin();
@@ -34,7 +35,7 @@ CRooflineEngine::CRooflineEngine() : CRooflineEngine(nullptr) {}
 
 CRooflineEngine::CRooflineEngine(std::shared_ptr<ISurveyingViewModel> viewModel) : m_core(cpuAnalysis()) {
     setModel(std::move(viewModel));
-    rebuildOptions();
+    guarded([this] { rebuildOptions(); });  // a host that fails now may answer at the next load
 }
 
 // The slots use members, so the connections go before them.
@@ -94,7 +95,7 @@ std::string CRooflineEngine::getRooflineData(sptr_t<IDataset> dataset, sptr_t<ID
 void CRooflineEngine::getRoofsImp(rabbit::array& array, const std::string& configuration,
                                   const RoofThreadingFeatures& features, Perspective perspective) const {
     if (!m_viewModel) return;
-    const auto operations = operationsOf(configuration, m_core.options());
+    const auto operations = roofOperationsOf(configuration, m_core.options());
     const auto roofConfiguration = roof::getCpuRoofConfiguration(features, operations, perspective);
     if (const auto roofManager = m_core.getRoofManager())
         roofline::fillRoofs(array, roofManager->getRoofs(roofConfiguration), m_core.kind().device);

@@ -1,5 +1,6 @@
 #include "roofline_model/row_data_access.h"
 
+#include <cmath>
 #include <limits>
 #include <type_traits>
 
@@ -29,13 +30,12 @@ T toInteger(const variant_t& value) {
         return value.kind() % 2 ? static_cast<T>(value.unsignedValue()) : static_cast<T>(value.signedValue());
     }
     const double number = value.toDouble();
-    // The upper bound as a double is one above the largest T, so `<` keeps the cast defined; NaN fails both
-    // tests.
-    const auto lowest = static_cast<double>(std::numeric_limits<T>::lowest());
-    const auto above = static_cast<double>(std::numeric_limits<T>::max());
-    if (number >= above) return std::numeric_limits<T>::max();
-    if (number > lowest) return static_cast<T>(number);
-    return number <= lowest ? std::numeric_limits<T>::lowest() : T{0};
+    if (std::isnan(number)) return T{0};
+    // The largest T rounds up to a double that is one above it.
+    if (number >= static_cast<double>(std::numeric_limits<T>::max())) return std::numeric_limits<T>::max();
+    if (number <= static_cast<double>(std::numeric_limits<T>::lowest()))
+        return std::numeric_limits<T>::lowest();
+    return static_cast<T>(number);
 }
 
 template <class T>

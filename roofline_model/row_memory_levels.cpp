@@ -13,7 +13,7 @@ namespace data_models2 {
 
 namespace {
 
-const roofline::LogChannel kLog("row_roofline_engine");
+constinit const roofline::LogChannel kLog{"row_roofline_engine"};
 constexpr double kMeasurable = 1e-12;
 constexpr double kGiga = 1e9;
 

@@ -12,7 +12,7 @@ namespace data_models2 {
 
 namespace {
 
-const roofline::LogChannel kLog("row_roofline_engine");
+constinit const roofline::LogChannel kLog{"row_roofline_engine"};
 constexpr auto kUnit = "roofline_model/row_roofline_engine";
 constexpr double kGiga = 1e9;
 

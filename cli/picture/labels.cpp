@@ -92,7 +92,9 @@ std::optional<Label> LabelPlacer::placeOnRoof(const std::string& text, std::size
     const auto sample = boxOf(text, {}, angle);
     const Point up{std::sin(angle), -std::cos(angle)};
 
-    constexpr double kStep = 6.0, kFarCost = 0.3, kBelowCost = 0.1, kRoofCost = 0.2;
+    constexpr double kStep = 6.0, kFarCost = 0.3, kRoofCost = 0.2;
+    // Between diagonals a label below its own line reads as the next one's.
+    const double belowCost = isMemory ? 0.5 : 0.1;
     std::optional<Label> best;
     double bestCost = HUGE_VAL;
     for (double along = sample.halfWidth + kGap; along <= size - sample.halfWidth; along += kStep)
@@ -101,7 +103,7 @@ std::optional<Label> LabelPlacer::placeOnRoof(const std::string& text, std::size
             const double off = side * (kHalfHeight + kGap / 2);
             auto box = sample;
             box.center = {foot.x + up.x * off, foot.y + up.y * off};
-            const double place = kFarCost * along / size + (side > 0 ? 0.0 : kBelowCost);
+            const double place = kFarCost * along / size + (side > 0 ? 0.0 : belowCost);
             if (place >= bestCost || !isFree(box) || roofsCrossing(box, isMemory, roof) > 0) continue;
             const auto crossed = static_cast<double>(roofsCrossing(box, !isMemory, roof));
             const double cost = place + 2.0 * coverage(box) + kRoofCost * crossed;

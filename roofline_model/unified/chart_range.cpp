@@ -12,12 +12,14 @@ namespace data_models2 {
 
 namespace {
 
-// A tree with memory levels takes its configurations from the second list and finds none in the first; a tree
-// without does the reverse, or finds the same ones twice.
-const std::vector<std::vector<RooflineTypes>> kTypeLists{
-    {{"f", "i", "b"}, {"1"}},
-    {{"f", "i", "b"}, {"1"}, {"L1", "L2", "L3", "L4", "DRAM"}, {"load", "store", "all"}},
-};
+// A tree with memory levels finds no configuration in the first list, a tree without finds the same ones in
+// both.
+std::vector<std::vector<RooflineTypes>> typeLists() {
+    return {
+        {{"f", "i", "b"}, {"1"}},
+        {{"f", "i", "b"}, {"1"}, {"L1", "L2", "L3", "L4", "DRAM"}, {"load", "store", "all"}},
+    };
+}
 
 LoopParams coordinatesOf(const LoopParams& params, const RooflineConfiguration& configuration) {
     LoopParams result = getLoopParams4RooflineConfiguration(params, configuration);
@@ -28,14 +30,14 @@ LoopParams coordinatesOf(const LoopParams& params, const RooflineConfiguration& 
 LoopParamSets makeSets(const LoopParams& params, const std::shared_ptr<const CRooflineOptions>& options,
                        bool withTotals) {
     LoopParamSets sets;
-    for (auto types : kTypeLists) {
+    for (auto& types : typeLists()) {
         if (withTotals) types.push_back({"0"});
         RooflineConfigurations configurations;
         configurations.init(types, options);
         for (const auto& configuration : configurations)
             if (auto coordinates = coordinatesOf(params, configuration); !coordinates.empty())
                 sets.emplace_back(std::move(coordinates), configuration.getTypes());
-        if (!sets.empty()) break;
+        if (!sets.empty()) break;  // the second list would only repeat them
     }
     return sets;
 }

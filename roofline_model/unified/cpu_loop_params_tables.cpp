@@ -174,7 +174,9 @@ RooflineAttributes makeAttributes() {
 }  // namespace
 
 const ChartTables& getCpuTables() {
-    static const ChartTables tables{makeParams(), makeProperties(), makeAttributes()};
+    // A pass binds the getters to its dataset: each thread has its own, so that engines on several threads
+    // don't meet.
+    static thread_local const ChartTables tables{makeParams(), makeProperties(), makeAttributes()};
     return tables;
 }
 

@@ -1,5 +1,5 @@
 // The tables of loop parameters, properties and attributes, one set a kind of analysis. Each is built at
-// first use and lives for the process.
+// first use and lives for the thread.
 #pragma once
 
 #include "roofline_model/unified/loop_params.h"

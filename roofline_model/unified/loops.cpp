@@ -194,8 +194,8 @@ private:
     variant_t m_objId;
     variant_t m_typeId;
     std::vector<variant_t> m_values;  // by parameter
-    Captions
-        m_rowCaptions;  // of its records so far: another row's would label it with levels that it never had
+    // Captions of its records so far: another row's would label it with levels that it never had.
+    Captions m_rowCaptions;
     Coordinates m_coordinates;
     Coordinates m_previous;  // of the last set that had a point
 };

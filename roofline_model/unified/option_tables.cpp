@@ -16,45 +16,40 @@ struct Value {
     const char* expl = "";
 };
 
-struct Group {
-    const COptionsStrategy& strategy;
-    const char* caption;
-    std::vector<Value> values;
-};
+constexpr auto kOperations = std::to_array<Value>({
+    {"f", "roofline_options_operation_float"},
+    {"i", "roofline_options_operation_int"},
+    {"b", "roofline_options_operation_int_float"},
+});
 
-COptionGroup makeGroup(const Group& group, const RooflineTypes& defaults) {
-    COptionGroup result(group.strategy, group.caption, false);
-    for (const auto& value : group.values) result.addOptionValue({value.caption, value.value, value.expl});
+// "0" is stacks on, "1" is stacks off.
+constexpr auto kStacks = std::to_array<Value>({
+    {"0", "roofline_options_stacks_on", "roofline_with_callstacks_expl"},
+    {"1", "roofline_options_stacks_off"},
+});
+
+constexpr auto kMemoryOperations = std::to_array<Value>({
+    {"load", "roofline_options_memop_load"},
+    {"store", "roofline_options_memop_store"},
+    {"all", "roofline_options_memop_load_store"},
+});
+
+constexpr std::array<const char*, 4> kCaches{"L1", "L2", "L3", "L4"};
+
+// Each group has a strategy object of its own, made at the first need.
+template <class Strategy, std::size_t N>
+COptionGroup makeGroup(const char* caption, const std::array<Value, N>& values,
+                       const RooflineTypes& defaults) {
+    static const Strategy kStrategy;
+    COptionGroup result(kStrategy, caption, false);
+    for (const auto& value : values) result.addOptionValue({value.caption, value.value, value.expl});
     result.setDefRooflineTypes(defaults);
     return result;
 }
 
-const CRadioOptionsStrategy kOperationsStrategy;
-const Group kOperations{kOperationsStrategy,
-                        "roofline_options_operations_caption",
-                        {{"f", "roofline_options_operation_float"},
-                         {"i", "roofline_options_operation_int"},
-                         {"b", "roofline_options_operation_int_float"}}};
-
-// "0" is stacks on, "1" is stacks off.
-const CTwoStatesOptionsStrategy kStacksStrategy;
-const Group kStacks{kStacksStrategy,
-                    "roofline_options_stacks_caption",
-                    {{"0", "roofline_options_stacks_on", "roofline_with_callstacks_expl"},
-                     {"1", "roofline_options_stacks_off"}}};
-
-const CRadioOptionsStrategy kMemoryOperationStrategy;
-const Group kMemoryOperation{kMemoryOperationStrategy,
-                             "roofline_options_mem_operation_type",
-                             {{"load", "roofline_options_memop_load"},
-                              {"store", "roofline_options_memop_store"},
-                              {"all", "roofline_options_memop_load_store"}}};
-
-constexpr std::array<const char*, 4> kCaches{"L1", "L2", "L3", "L4"};
-const CCertainValueOptionsStrategy kLevelsStrategy;
-
 COptionGroup makeLevelGroup(int memoryLevelsCount) {
-    COptionGroup result(kLevelsStrategy, "roofline_options_mem_levels", true);
+    static const CCertainValueOptionsStrategy kStrategy;
+    COptionGroup result(kStrategy, "roofline_options_mem_levels", true);
     const auto add = [&result](const std::string& level) {
         result.addOptionValue({roofline::helpers::getMemLevelCaption(level), level, ""});
     };
@@ -79,13 +74,17 @@ std::shared_ptr<CRooflineOptions> initRooflineOptions(
     const bool hasLevels = memoryLevelsCount > 1;
 
     auto options = std::make_shared<CRooflineOptions>();
-    options->addOptionGroup(makeGroup(kOperations, {roofline::getRooflineTypeFromOpsType(defaultType)}));
-    options->addOptionGroup(makeGroup(kStacks, {"1"}));
+    options->addOptionGroup(
+        makeGroup<CRadioOptionsStrategy>("roofline_options_operations_caption", kOperations,
+                                         {roofline::getRooflineTypeFromOpsType(defaultType)}));
+    options->addOptionGroup(
+        makeGroup<CTwoStatesOptionsStrategy>("roofline_options_stacks_caption", kStacks, {"1"}));
     options->setDefConfigurationCaption(
         roofline::translate(configurationCaption(defaultType == OperationsType::Float, hasLevels)));
     if (!hasLevels) return options;
     options->addOptionGroup(makeLevelGroup(memoryLevelsCount));
-    options->addOptionGroup(makeGroup(kMemoryOperation, {"all"}));
+    options->addOptionGroup(
+        makeGroup<CRadioOptionsStrategy>("roofline_options_mem_operation_type", kMemoryOperations, {"all"}));
     return options;
 }
 

@@ -8,8 +8,8 @@
 
 namespace data_models2 {
 
-// The CPU tree. `memoryLevelsCount`: caches and main memory that were measured, 1 when only the core's
-// traffic was. Without metrics the default type is float.
+// The CPU tree. `memoryLevelsCount`: the number of measured levels; n > 1 offers the first n - 1 caches (at
+// most 4) and DRAM, 1 or less offers no levels. Without metrics the default type is float.
 std::shared_ptr<CRooflineOptions> initRooflineOptions(
     int memoryLevelsCount, const std::shared_ptr<const CMemoryLevelMetrics>& metrics);
 

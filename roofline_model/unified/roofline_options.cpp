@@ -1,7 +1,5 @@
 #include "roofline_model/unified/roofline_options.h"
 
-#include "host_interfaces/host_functions.h"
-
 #include "roofline_model/translation.h"
 
 #include <algorithm>
@@ -88,12 +86,7 @@ rabbit::array COptionsStrategy::toJSON(rabbit::Allocator& allocator,
 }
 
 COptionGroup::COptionGroup(const COptionsStrategy& strategy, const std::string& caption, bool provideCaption)
-    : m_caption(caption), m_strategy(std::addressof(strategy)), m_provideCaption(provideCaption) {
-    static const COptionsStrategy kAnyNumber;
-    if (m_strategy) return;
-    reportAssertion("m_strategy", "roofline_model/unified/roofline_options", __LINE__);
-    m_strategy = &kAnyNumber;
-}
+    : m_caption(caption), m_strategy(&strategy), m_provideCaption(provideCaption) {}
 
 RooflineTypes COptionGroup::getRooflineTypes(const std::string& configuration) const {
     auto result = m_strategy->getRooflineTypes(configuration, m_values);

@@ -71,7 +71,7 @@ public:
 
 class COptionGroup {
 public:
-    // `provideCaption`: the group's values take part in captions.
+    // `strategy` lives for the process. `provideCaption`: the group's values take part in captions.
     COptionGroup(const COptionsStrategy& strategy, const std::string& caption, bool provideCaption);
 
     void addOptionValue(const COptionValue& value) { m_values.push_back(value); }

@@ -6,7 +6,7 @@
 namespace data_models2 {
 
 RowReader::RowReader(const LoopParamSets& sets, sptr_t<IDataset> dataset) : m_dataset(std::move(dataset)) {
-    std::unordered_map<std::string, std::size_t> known;  // equal expressions have equal values
+    std::unordered_map<std::string, std::size_t> known;  // in one table equal expressions have equal values
     for (const auto& set : sets) {
         m_bindings.emplace_back(set.first, m_dataset);
         auto& index = m_index.emplace_back();

@@ -18,8 +18,7 @@ public:
     // Goes to another row.
     void setRow(const sptr_t<RowNode>& row);
     bool isValid(std::size_t set, std::size_t param) const { return m_slots[m_index[set][param]].isValid; }
-    // Holds until the next row; the caller may move the value out when no other parameter has the same
-    // expression.
+    // Holds until the next row.
     const variant_t& getValue(std::size_t set, std::size_t param);
 
 private:

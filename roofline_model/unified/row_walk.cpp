@@ -20,8 +20,13 @@ void appendChildren(std::vector<Entry>& rows, const RowNode& row, int parent) {
     const int count = row.getChildren(children, 0, 1);
     if (count < 0) return;
     if (count > 0 && children.isEnd())
-        reportAssertion("!children.isEnd()", "roofline_model/unified/loops", __LINE__);
+        reportAssertion("!children.isEnd()", "roofline_model/unified/row_walk", __LINE__);
     append(rows, std::move(children), parent);
+}
+
+bool isSkipped(const RowNode& row) {
+    const auto specification = row.getSpecification();
+    return !specification || specification->getRowType() & kSkippedRowTypes;
 }
 
 }  // namespace
@@ -33,9 +38,7 @@ void forEachDatasetRows4Loops(const sptr_t<IDataset>& dataset, const RowHandler&
     append(rows, dataset->getRows(0), -1);
     for (std::size_t i = 0; i < rows.size(); ++i) {
         const auto [row, parent] = std::exchange(rows[i], {});
-        if (!row || (rowFilter && !rowFilter(dataset, row))) continue;
-        const auto specification = row->getSpecification();
-        if (!specification || specification->getRowType() & kSkippedRowTypes || !rowHandler) continue;
+        if (!row || (rowFilter && !rowFilter(dataset, row)) || isSkipped(*row) || !rowHandler) continue;
         const int own = rowHandler(dataset, row, parent);
         if (own >= 0) appendChildren(rows, *row, own);
     }
@@ -44,15 +47,16 @@ void forEachDatasetRows4Loops(const sptr_t<IDataset>& dataset, const RowHandler&
 bool hasValue(const sptr_t<IDataset>& dataset, FieldId field) {
     const auto column = dataset ? dataset->getColumn(field) : nullptr;
     if (!column) return false;
-    bool found = false;
-    const auto look = [&](const sptr_t<IDataset>&, const sptr_t<RowNode>& row, int) {
+    std::vector<Entry> rows;
+    append(rows, dataset->getRows(0), -1);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const auto row = std::exchange(rows[i], {}).first;
         variant_t cell;
-        found = dataset->getValue(row, column, 0, cell);
-        return found ? -1 : 0;
-    };
-    const auto stillLooking = [&](const sptr_t<IDataset>&, const sptr_t<RowNode>&) { return !found; };
-    forEachDatasetRows4Loops(dataset, look, stillLooking);
-    return found;
+        if (!row) continue;
+        if (!isSkipped(*row) && dataset->getValue(row, column, 0, cell)) return true;
+        appendChildren(rows, *row, -1);
+    }
+    return false;
 }
 
 }  // namespace data_models2

@@ -10,7 +10,7 @@ namespace data_models2 {
 
 // Rows of these types are no loops or functions of interest (hidden, inlined): neither they nor what is below
 // them takes part in a chart.
-inline constexpr std::uint64_t kSkippedRowTypes = row_type::kNoLoop1 | row_type::kNoLoop2 | row_type::kHidden;
+inline constexpr std::uint64_t kSkippedRowTypes = 0x2 | 0x4 | row_type::kHidden;
 
 using RowFilter = std::function<bool(const sptr_t<IDataset>&, const sptr_t<RowNode>&)>;
 using RowHandler = std::function<int(const sptr_t<IDataset>&, const sptr_t<RowNode>&, int parent)>;
@@ -21,7 +21,7 @@ using RowHandler = std::function<int(const sptr_t<IDataset>&, const sptr_t<RowNo
 void forEachDatasetRows4Loops(const sptr_t<IDataset>& dataset, const RowHandler& rowHandler,
                               const RowFilter& rowFilter);
 
-// Whether any row of the chart has a value of the field.
+// Whether any row but those of the skipped types has a value of the field; looks below these too.
 bool hasValue(const sptr_t<IDataset>& dataset, FieldId field);
 
 }  // namespace data_models2

@@ -89,6 +89,31 @@ TEST(Roofs, OfTheTableAreConsistent) {
     EXPECT_FALSE(findRoofCaption(static_cast<RoofId>(12)));
 }
 
+TEST(DataTypes, AreSearchedForTheWidestOfABaseName) {
+    const struct {
+        const char* text;
+        unsigned intWidth;
+        unsigned floatWidth;
+    } rows[] = {
+        {"", 0, 0},
+        {"float32", 0, 32},
+        {"float32, int64", 64, 32},
+        {"int8, <b>int16</b>, float64;float32", 16, 64},
+        {"uint32 bfloat16", 32, 16},
+        {"int, float", 0, 0},
+        {"int32_t", 32, 0},
+        {"intint16 int4", 16, 0},
+        {"Int32, FLOAT64", 0, 0},  // a caller lower-cases
+        {"int99999999999, int8", 8, 0},
+        {"int-8, float 32, 64", 0, 0},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(isa_helpers::getTypeMaxWidth(row.text, "int"), row.intWidth) << row.text;
+        EXPECT_EQ(isa_helpers::getTypeMaxWidth(row.text, "float"), row.floatWidth) << row.text;
+    }
+    EXPECT_EQ(isa_helpers::getTypeMaxWidth("int8", ""), 0U);
+}
+
 TEST(RoofConfigurations, AreReadBackAsTheyWereWritten) {
     std::set<std::string> texts;
     int count = 0;

@@ -159,6 +159,45 @@ TEST(Numbers, AreShownWithSignificantDigits) {
         EXPECT_EQ(embedded_host::formatNumber(row.value, row.digits), row.expected) << row.value;
 }
 
+TEST(Numbers, AreShownWithFixedDigitsAndAUnit) {
+    const struct {
+        double value;
+        const char* unit;
+        int precision;
+        double smallest;
+        const char* expected;
+    } rows[] = {
+        {1234.5678, "", 3, 0.001, "1234.568"},
+        {2.5, "GB/s", 0, 0.001, "2 GB/s"},
+        {100.0, "GB", 2, 0.001, "100.00 GB"},
+        {0.0, "GB", 2, 0.001, "0.00 GB"},
+        {-0.0, "", 2, 0.001, "0.00"},
+        {-0.25, "", 1, 0.001, "-0.2"},
+        {0.001, "", 3, 0.001, "0.001"},
+        {0.00099, "GB", 3, 0.001, "< 0.001 GB"},
+        {5e-324, "", 3, 0.001, "< 0.001"},
+        {-0.00099, "GB", 3, 0.001, "> -0.001 GB"},
+        {0.004, "", 2, 0.001, "0.004"},
+        {-0.0012, "", 2, 0.001, "-0.001"},
+        {0.3, "", 0, 0.0, "0.3"},
+        {0.00096, "", 2, 0.0, "0.001"},
+        {3e-200, "s", 3, 0.0, "3e-200 s"},
+        {0.7, "", 3, 1.0, "< 1"},
+        {1e-9, "", 3, std::nan(""), "0.000000001"},
+        {1e15, "", 1, 0.001, "1000000000000000.0"},
+        {-1.25e300, "", 2, 0.001, "-1.25e+300"},
+        {0.5, "", -1, 0.0, "0.5"},
+        {0.1, "", 99, 0.0, "0.10000000000000001"},
+        {std::numeric_limits<double>::infinity(), "GB", 3, 0.001, "N/A"},
+        {-std::numeric_limits<double>::infinity(), "", 3, 0.001, "N/A"},
+        {std::nan(""), "", 3, 0.001, "N/A"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(double2str(row.value, row.unit, row.precision, row.smallest), row.expected) << row.value;
+    EXPECT_EQ(int2str(0), "0");
+    EXPECT_EQ(int2str(std::numeric_limits<long long>::min()), "-9223372036854775808");
+}
+
 // Some hosts set a locale of their own; the texts feed files and charts.
 TEST(Numbers, AreTheSameInEveryLocale) {
     struct Comma : std::numpunct<char> {
@@ -170,6 +209,8 @@ TEST(Numbers, AreTheSameInEveryLocale) {
     EXPECT_EQ(toText(1234.5), "1234.5");
     EXPECT_EQ(toText(1234567), "1234567");
     EXPECT_EQ(embedded_host::formatNumber(1234.5, 6), "1234.5");
+    EXPECT_EQ(double2str(1234.5, "GB", 2, 0.001), "1234.50 GB");
+    EXPECT_EQ(int2str(1234567), "1234567");
     std::locale::global(before);
 }
 
