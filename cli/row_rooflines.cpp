@@ -1,5 +1,5 @@
-// The library reads a row's threads, and whether total data are there, from the row's cells: to choose them is
-// to show it the dataset with other cells.
+// The library reads a row's threads, and whether total data are there, from the row's cells: to choose them
+// is to show it the dataset with other cells.
 #include "cli/row_rooflines.h"
 
 #include "roofline_model/factories.h"

@@ -41,7 +41,8 @@ constexpr std::array<TrafficFields, 6> kTraffic{{
     {"", FieldId::SelfMemL1, FieldId::None, FieldId::TotalMem, FieldId::None},
 }};
 
-constexpr auto kMissingTraffic = "no traffic", kMissingTime = "no time", kMissingOther = "other values missing";
+constexpr auto kMissingTraffic = "no traffic", kMissingTime = "no time",
+               kMissingOther = "other values missing";
 
 enum Cause : std::size_t { kOps, kTrafficCause, kTime, kCaller, kOther, kCauses };
 

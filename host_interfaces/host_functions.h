@@ -44,14 +44,16 @@ inline constexpr std::size_t kMaxMessageArguments = 3;
 // are, an empty text for all else.
 OMBRIX_API std::string toText(const variant_t& value);
 
-// A number for people: `precision` digits behind the point, then `unit` when there is one. What is above 0
-// and would show as less than `smallest` is written as "< smallest"; "N/A" for a value that isn't finite.
+// A number for people: `precision` digits behind the point, or as many as show that it isn't 0, then `unit`
+// when there is one. What is nearer to 0 than `smallest` is written as "< smallest" or "> -smallest"; "N/A"
+// for a value that isn't finite.
 OMBRIX_API std::string double2str(double value, const std::string& unit, int precision, double smallest);
 OMBRIX_API std::string int2str(long long value);
 
 // A bag from and to JSON. Non-negative integers become kind 7 (larger ones 9), negative ones 6 or 8, other
 // numbers doubles; an array is a bag of "item" children beside "arrayOf". Loading is false, with `bag` as it
-// was, for a text that is no JSON object.
+// was, for a text that is no JSON object or nested deeper than a bag can safely be. Saving writes the first
+// of the children of one name, and null for what JSON can't say.
 OMBRIX_API bool loadBag(const std::string& json, variant_bag_t& bag);
 OMBRIX_API std::string saveBag(const variant_bag_t& bag);
 

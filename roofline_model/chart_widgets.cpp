@@ -135,7 +135,8 @@ std::string getMeasureText(int measureKind) {
 
 void BaseRooflineWidget::addExpl(const std::string& level, DataType dataType, bool isSelf,
                                  OperationsType operations) {
-    m_explanation.push_back(translate(level.empty() ? "roofline_widget_expl" : level));
+    m_explanation.push_back(translate(level));
+    m_explanation.push_back(translate("roofline_widget_expl"));
     m_explanation.push_back(translate(isSelf ? "roofline_memory_self_expl" : "roofline_memory_total_expl"));
     if (dataType == DataType::CpuTopDown)
         m_explanation.push_back(translate("roofline_memory_topdown_expl"));

@@ -85,8 +85,8 @@ std::string getMeasureText(int measureKind);
 
 class BaseRooflineWidget {
 public:
-    // Appends what the chart shows: a lead line with the message id `level`, self or total data, the kind of
-    // call tree, the operations that dominate.
+    // Appends what is shown: a lead line with the message id `level`, what a roof is, self or total data, the
+    // kind of call tree, the operations that dominate.
     void addExpl(const std::string& level, DataType dataType, bool isSelf, OperationsType operations);
     const std::vector<std::string>& explanation() const { return m_explanation; }
     // The member "explanation" when there is any.

@@ -7,13 +7,10 @@
 
 #include "cli/chart_document.h"
 #include "cli/unplaced_rows.h"
+#include "tests/cli/program_run.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <sstream>
 
 namespace cli {
 namespace {
@@ -22,38 +19,10 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
+using test::run;
+using Program = test::FolderTest;
+
 const std::string kExample = OMBRIX_SOURCE_DIR "/examples/quick/result.json";
-
-struct Run {
-    int code;
-    std::string out, err;
-};
-
-Run run(std::vector<std::string> arguments) {
-    std::vector<const char*> argv{"roofline"};
-    for (const auto& argument : arguments) argv.push_back(argument.c_str());
-    std::ostringstream out, err;
-    Console console{out, err};
-    const auto code = runRoofline(static_cast<int>(argv.size()), argv.data(), console);
-    return {code, out.str(), err.str()};
-}
-
-// A folder for the files of one test.
-class Program : public ::testing::Test {
-protected:
-    Program() {
-        auto name = (std::filesystem::temp_directory_path() / "roofline-XXXXXX").string();
-        m_folder = mkdtemp(name.data());
-    }
-    ~Program() override { std::filesystem::remove_all(m_folder); }
-    std::string path(const char* name) const { return (m_folder / name).string(); }
-    std::string file(const char* name, const std::string& text) const {
-        embedded_host::writeFile(path(name), text, true);
-        return path(name);
-    }
-
-    std::filesystem::path m_folder;
-};
 
 std::string resultText(const std::string& rows) {
     return R"({"format": "roofline-result", "version": 1, "kind": "cpu",

@@ -36,6 +36,9 @@ const std::map<std::string, int> kArgumentCounts{
     {"roofline_bottleneck_bound_by_compute", 2},
     {"roofline_bottleneck_bound_by_memory", 2},
     {"roofline_bottleneck_wrong_configuration_details", 2},
+    {"roofline_bottleneck_performance_analysis_bounded_by", 1},
+    {"roofline_memory_dominating_type_expl", 1},
+    {"roofline_summary_bytes", 1},
     {"roofline_summary_roof_descr", 1},
 };
 
