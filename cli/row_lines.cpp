@@ -22,14 +22,21 @@ public:
           m_location(m_data.getColumn(FieldId::Location)),
           m_time(
               m_data.getColumn(rooflines.isTotal() ? FieldId::TotalElapsedTime : FieldId::SelfElapsedTime)),
+          m_floatOps(m_data.getColumn(FieldId::SelfFloatOps)),
+          m_intOps(m_data.getColumn(FieldId::SelfIntOps)),
           m_programSeconds(programSeconds) {}
 
     RowLine read(const sptr_t<RowNode>& row) const;
 
 private:
+    bool hasCell(const sptr_t<RowNode>& row, const sptr_t<ColumnNode>& column) const {
+        variant_t value;
+        return m_data.getValue(row, column, 0, value);
+    }
+
     const RowRooflines& m_rooflines;
     const IDataset& m_data;
-    sptr_t<ColumnNode> m_name, m_location, m_time;
+    sptr_t<ColumnNode> m_name, m_location, m_time, m_floatOps, m_intOps;
     double m_programSeconds;
 };
 
@@ -102,7 +109,8 @@ std::string doubtOf(const RowLine& line, const IRowRooflineInfo& info) {
     if (line.isValid || !line.limit) return {};
     if (info.getLimitingRoof(true).boundCategory == BoundCategory::None)
         return "limited by a roof of no known kind";
-    if (info.areMemLevelMetricsAvailable() && !line.nearest) return "above the roofs of all its levels";
+    if (info.areMemLevelMetricsAvailable() && !line.nearest)
+        return line.levels.empty() ? line.levelCause : "above the roofs of all its levels";
     return "holds other loops: only total data would do";
 }
 
@@ -130,8 +138,12 @@ RowLine RowReader::read(const sptr_t<RowNode>& row) const {
     line.nearest = roofOver(info->getLimitingRoof(false), point.performance);
     readRoofsBelow(line, *info);
     line.cause = causeWithoutLimit(line, *info);
-    line.doubt = doubtOf(line, *info);
     line.levels = levelsOf(*info);
+    if (line.levels.empty() && m_rooflines.levelCount() > 1)
+        line.levelCause = hasCell(row, m_floatOps) && hasCell(row, m_intOps)
+                              ? "levels need loads and stores, 0 included"
+                              : "levels need float and integer counts, 0 included";
+    line.doubt = doubtOf(line, *info);
     return line;
 }
 

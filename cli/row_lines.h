@@ -43,6 +43,7 @@ struct RowLine {
     std::optional<RoofOver> underCompute;  // the row's compute roof, when it doesn't stand above
     std::string cause;                     // why there is no point or no limit; empty when there is one
     std::string doubt;                     // why the library gives no details in spite of a limit
+    std::string levelCause;                // why a row with a point has no levels, though they were measured
     bool isValid = false;                  // the library's own word
     std::vector<LevelLine> levels;
 

@@ -26,6 +26,8 @@ public:
     // Holds every row.
     const Dataset& dataset() const { return m_dataset; }
     const data_models2::RoofThreadingFeatures& threading() const { return m_features; }
+    // Memory levels that were measured.
+    int levelCount() const { return m_levelCount; }
     // Never null.
     std::shared_ptr<data_models2::IRowRooflineInfo> of(const Row& row) const;
 

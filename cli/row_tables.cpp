@@ -32,9 +32,10 @@ bool anyLine(const RowTableRequest& request, Function function) {
     return std::any_of(lines.begin(), lines.end(), function);
 }
 
-std::string remarkOf(const RowLine& line) {
+std::string remarkOf(const RowLine& line, bool levels) {
     std::vector<std::string> remarks;
-    for (const auto& each : {line.cause, line.doubt})
+    const auto doubt = levels && line.doubt.empty() ? line.levelCause : line.doubt;
+    for (const auto& each : {line.cause, doubt})
         if (!each.empty()) remarks.push_back(each);
     if (const auto& roof = line.underCompute)
         remarks.push_back(roof->fraction > 1.0 ? fmt::format("above {}: {} %!", roof->name,
@@ -56,16 +57,18 @@ const ReadableColumn kName{{"name", ""}, [](const RowLine& row, const LevelLine*
 const ReadableColumn kShare{{"share of time", "", Kind::Percent},
                             [](const RowLine& row, const LevelLine*) { return cellOf(row.share); }};
 const ReadableColumn kOperations{{"operations", ""},
-                                 [](const RowLine& row, const LevelLine*) { return Cell(row.operations); }};
-const ReadableColumn kPerformance{
-    {"performance [GOP/s]", "", Kind::Number},
-    [](const RowLine& row, const LevelLine*) { return cellOf(row.performance); }};
+                                 [](const RowLine& row, const LevelLine*) { return cellOf(row.operations); }};
 const ReadableColumn kRemark{{"remark", ""},
-                             [](const RowLine& row, const LevelLine*) { return Cell(remarkOf(row)); }};
+                             [](const RowLine& row, const LevelLine*) { return Cell(remarkOf(row, false)); }};
+const ReadableColumn kLevelRemark{
+    {"remark", ""},
+    [](const RowLine& row, const LevelLine*) { return Cell(remarkOf(row, true)); }};
 
-const std::array<ReadableColumn, 4> kTotalColumns{{
+const std::array<ReadableColumn, 5> kTotalColumns{{
     {{"intensity [OP/byte]", "", Kind::Number},
      [](const RowLine& row, const LevelLine*) { return cellOf(row.intensity); }},
+    {{"performance [GOP/s]", "", Kind::Number},
+     [](const RowLine& row, const LevelLine*) { return cellOf(row.performance); }},
     {{"limiting roof", ""},
      [](const RowLine& row, const LevelLine*) {
          if (row.limit) return Cell(row.limit->name);
@@ -87,13 +90,15 @@ const std::array<ReadableColumn, 2> kNearestColumns{{
      [](const RowLine& row, const LevelLine*) { return row.nearest ? Cell(row.nearest->fraction) : Cell(); }},
 }};
 
-const std::array<ReadableColumn, 7> kLevelColumns{{
+const std::array<ReadableColumn, 8> kLevelColumns{{
     {{"level", ""},
      [](const RowLine&, const LevelLine* level) { return Cell(level ? level->level : std::string("N/A")); }},
     {{"traffic [GB]", "", Kind::Number},
      [](const RowLine&, const LevelLine* level) { return level ? Cell(level->traffic) : Cell(); }},
     {{"intensity [OP/byte]", "", Kind::Number},
      [](const RowLine&, const LevelLine* level) { return level ? Cell(level->intensity) : Cell(); }},
+    {{"performance [GOP/s]", "", Kind::Number},
+     [](const RowLine& row, const LevelLine*) { return cellOf(row.performance); }},
     {{"level's roof", ""},
      [](const RowLine&, const LevelLine* level) {
          return Cell(level && level->roof ? level->roof->name : std::string("N/A"));
@@ -115,12 +120,11 @@ Readable readableColumns(const RowTableRequest& request) {
     const auto append = [&](const auto& more) { columns.insert(columns.end(), more.begin(), more.end()); };
     if (anyLine(request, [](const RowLine& line) { return line.operations == "int"; }))
         columns.push_back(kOperations);
-    columns.push_back(kPerformance);
     request.levels ? append(kLevelColumns) : append(kTotalColumns);
     const auto hasNearest = [](const RowLine& line) { return line.nearest.has_value(); };
     if (!request.levels && anyLine(request, hasNearest)) append(kNearestColumns);
-    if (anyLine(request, [](const RowLine& line) { return !remarkOf(line).empty(); }))
-        columns.push_back(kRemark);
+    if (anyLine(request, [&](const RowLine& line) { return !remarkOf(line, request.levels).empty(); }))
+        columns.push_back(request.levels ? kLevelRemark : kRemark);
     return columns;
 }
 
@@ -238,11 +242,11 @@ std::string rowsCsv(const RowTableRequest& request) {
         for (const auto& level : row.levels) {
             auto& cells = table.rows.emplace_back(head);
             for (const auto& each : levelColumns()) cells.push_back(each.cell(row, level));
-            cells.push_back(cellOf(row.cause));
+            cells.emplace_back();
         }
         if (!row.levels.empty()) continue;
         head.resize(table.columns.size());
-        head.back() = cellOf(row.cause);
+        head.back() = cellOf(row.cause.empty() ? row.levelCause : row.cause);
         table.rows.push_back(std::move(head));
     }
     return toCsv(table);

@@ -161,7 +161,8 @@ def seconds(operations, traffic, code, efficiency):
 def row(number, kernel, code, efficiency):
     operations, traffic = kernel()
     cells = {"FunctionName": kernel.__name__, "SelfElapsedTime": seconds(operations, traffic, code, efficiency),
-             "SelfIntOps" if code == "int" else "SelfFloatOps": operations / 1e9}
+             "SelfFloatOps": 0 if code == "int" else operations / 1e9,
+             "SelfIntOps": operations / 1e9 if code == "int" else 0}
     for level in LEVELS:
         for part, amount in zip(("Load", "Store"), traffic[level]):
             cells[f"Self{level}{part}"] = amount / 1e9

@@ -4,139 +4,24 @@
 #include "roofline_model/chart_widgets.h"
 #include "roofline_model/json_dumps.h"
 #include "roofline_model/roofline_summary.h"
-#include "roofline_model/row_roofline_engine.h"
 #include "roofline_model/translation.h"
 
-#include <boost/property_tree/ptree.hpp>
+#include "tests/roofline_model/row_test_host.h"
+
 #include <climits>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <limits>
-#include <map>
-#include <stdexcept>
 
 namespace data_models2 {
 namespace {
 
+using namespace row_test;
 using roofline::translate;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr auto kBound = "Latency";
-
-class Column final : public RefCounted<ColumnNode> {
-public:
-    explicit Column(FieldId field) : m_field(field) {}
-    std::uint64_t getId() const override { return static_cast<std::uint64_t>(m_field); }
-    sptr_t<IColumnSpecification> getSpecification() const override { return {}; }
-    sptr_t<ColumnNode> getParent() const override { return {}; }
-    int getChildren(generic_iterator_t<sptr_t<ColumnNode>>&, int, int) const override { return -1; }
-
-private:
-    FieldId m_field;
-};
-
-class Row final : public RefCounted<RowNode> {
-public:
-    std::uint64_t getId() const override { return 1; }
-    sptr_t<IRowSpecification> getSpecification() const override { return {}; }
-    sptr_t<RowNode> getParent() const override { return {}; }
-    int getChildren(RowIterator&, int, int) const override { return -1; }
-};
-
-using Cells = std::map<FieldId, variant_t>;
-
-// A dataset whose rows all have the same cells.
-class OneRow final : public RefCounted<IDataset> {
-public:
-    OneRow(Cells cells, DataType type) : m_cells(std::move(cells)), m_type(type) {}
-    DataType getDataType() const override { return m_type; }
-    sptr_t<ColumnNode> getColumn(FieldId field) const override {
-        return m_cells.count(field) ? sptr_t<ColumnNode>(new Column(field)) : nullptr;
-    }
-    bool getValue(const sptr_t<RowNode>&, const sptr_t<ColumnNode>& column, int,
-                  variant_t& out) const override {
-        if (!column) return false;
-        out = m_cells.at(static_cast<FieldId>(column->getId()));
-        return true;
-    }
-    bool getString(const sptr_t<RowNode>&, const sptr_t<ColumnNode>&, int, std::string&) const override {
-        return false;
-    }
-    RowIterator getRows(int) const override { return {}; }
-    std::uint64_t getObjectId(const sptr_t<RowNode>&) const override { return 1; }
-
-private:
-    Cells m_cells;
-    DataType m_type;
-};
-
-// What a test says of its row; gigabytes per second and giga operations per second.
-struct RowCase {
-    Cells cells;
-    DataType type = DataType::Cpu;
-    std::map<MemoryLevel, double> traffic;  // empty: no memory-level metrics
-    bool isAccepted = true;
-    bool isBoundByFactor = false;  // another bound takes the limiting roof's place
-    bool isThrowing = false;
-};
-
-RoofItem makeRoof(RoofId id, const char* name, std::uint64_t giga, MemoryLevel level,
-                  ArithTypeExtDef type = ArithTypeExtDef::None) {
-    RoofItem roof;
-    roof.id = id;
-    roof.name = name;
-    roof.value = giga * 1'000'000'000;
-    roof.typeBits = level == MemoryLevel::None ? RoofItem::Compute : RoofItem::Memory;
-    roof.memoryLevel = level;
-    roof.arithType = type;
-    return roof;
-}
-
-class Strategy final : public IRowRooflineHelper {
-public:
-    explicit Strategy(RowCase setup) : m_setup(std::move(setup)) {}
-    void init(const sptr_t<RowNode>&, const sptr_t<IDataset>&) override {}
-    bool isValid(bool) const override {
-        if (m_setup.isThrowing) throw std::runtime_error("no answer");
-        return m_setup.isAccepted;
-    }
-    bool areMemLevelMetricsCollected() const override { return !m_setup.traffic.empty(); }
-    void findRoofs(std::vector<RoofItem>& memory, std::vector<RoofItem>& compute) const override {
-        memory = {makeRoof(RoofId::DramBandwidth, "DRAM Bandwidth", 20, MemoryLevel::Dram),
-                  makeRoof(RoofId::L3Bandwidth, "L3 Bandwidth", 150, MemoryLevel::L3),
-                  makeRoof(RoofId::L2Bandwidth, "L2 Bandwidth", 400, MemoryLevel::L2),
-                  makeRoof(RoofId::L1Bandwidth, "L1 Bandwidth", 800, MemoryLevel::L1)};
-        compute = {makeRoof(RoofId::ScalarAddPeak, "Scalar Add Peak", 100, MemoryLevel::None,
-                            ArithTypeExtDef::Float64),
-                   makeRoof(RoofId::IntScalarAddPeak, "Integer Scalar Add Peak", 50, MemoryLevel::None,
-                            ArithTypeExtDef::Int32)};
-    }
-    unsigned getMemoryLevelNumber(MemoryLevel level) const override { return static_cast<unsigned>(level); }
-    ValueGetter getTrafficGetter(MemoryLevel level, bool) const override {
-        return m_setup.traffic.count(level) ? fakeGetter(m_setup.traffic.at(level)) : nullptr;
-    }
-    void dumpInstructionMixSummary(rabbit::object& object) const override { object.append("mix", 1); }
-    std::vector<RooflineConclusion> findRooflineConclusions(const LimitingRoof& roof) const override {
-        return {RooflineConclusion("rec_memory_bound", {{"roof", roof.name}}), RooflineConclusion("plain")};
-    }
-    void updateLimitingRoof(LimitingRoof& roof) override {
-        if (!m_setup.isBoundByFactor) return;
-        roof = {};
-        roof.name = kBound;
-        roof.boundCategory = BoundCategory::Other;
-    }
-    void extendMemoryRoofs(std::vector<RoofItem>&) const override {}
-
-private:
-    RowCase m_setup;
-};
-
-std::shared_ptr<CRowRooflineEngine> makeEngine(const RowCase& setup) {
-    return std::make_shared<CRowRooflineEngine>(new Row, new OneRow(setup.cells, setup.type),
-                                                std::make_shared<Strategy>(setup));
-}
 
 // A level's point needs both counts, be it as 0.
 const Cells kFloatCells{{FieldId::FunctionName, "loop"}, {FieldId::SelfGFlops, 10.0},
@@ -148,50 +33,6 @@ const Cells kIntCells{{FieldId::FunctionName, "loop"}, {FieldId::TotalGIntOps, 1
                       {FieldId::SelfElapsedTime, 2.0}};
 const std::map<MemoryLevel, double> kFourLevels{
     {MemoryLevel::L1, 200.0}, {MemoryLevel::L2, 100.0}, {MemoryLevel::L3, 40.0}, {MemoryLevel::Dram, 20.0}};
-
-// Values by path, such as "loops.0.x"; a list's children are numbered, texts stand in quotes.
-using Values = std::map<std::string, std::string>;
-
-std::string join(const std::string& path, const std::string& name) {
-    return path.empty() ? name : path + "." + name;
-}
-
-void collect(const variant_bag_t& bag, const std::string& path, Values& values) {
-    const variant_t& value = bag.data();
-    if (value.kind() == variant_t::kBool)
-        values[path] = value.signedValue() ? "true" : "false";
-    else if (value.isNumber())
-        values[path] = fmt::format("{}", value.toDouble());
-    else if (value.isText())
-        values[path] = fmt::format("\"{}\"", value.text());
-    const bool isList = bag.find("arrayOf") != bag.not_found();
-    int index = 0;
-    for (const auto& [name, child] : bag)
-        if (!isList || name == "item")
-            collect(child, join(path, isList ? std::to_string(index++) : name), values);
-}
-
-void collect(const rapidjson::Value& value, const std::string& path, Values& values) {
-    int index = 0;
-    if (value.IsObject())
-        for (const auto& member : value.GetObject())
-            collect(member.value, join(path, member.name.GetString()), values);
-    else if (value.IsArray())
-        for (const auto& item : value.GetArray()) collect(item, join(path, std::to_string(index++)), values);
-    else if (value.IsBool())
-        values[path] = value.GetBool() ? "true" : "false";
-    else if (value.IsNumber())
-        values[path] = fmt::format("{}", value.GetDouble());
-    else
-        values[path] = value.IsString() ? fmt::format("\"{}\"", value.GetString()) : "null";
-}
-
-template <class Tree>
-Values valuesOf(const Tree& tree) {
-    Values values;
-    collect(tree, "", values);
-    return values;
-}
 
 rapidjson::Document parse(const std::string& text) {
     rapidjson::Document document;
@@ -339,7 +180,8 @@ TEST(RowResult, ABoundThatIsNoRoofIsDrawnAsAFactor) {
         {"loop.0.x", "-1"},
         {"loop.0.y", "1"},
         {"messages.0",
-         "\"" + translate("roofline_bottleneck_performance_analysis_bounded_by", std::string(kBound)) + "\""},
+         "\"" + translate("roofline_bottleneck_performance_analysis_bounded_by", std::string("Latency")) +
+             "\""},
     };
     EXPECT_EQ(valuesOf(engine->getBotteleneckVariantBag({})), expected);
 }
@@ -419,6 +261,18 @@ TEST(RowResult, NumbersThatAreNotFiniteOrFarOutStayWithinBounds) {
         cells[FieldId::SelfElapsedTime] = time;
         values = valuesOf(parse(makeEngine({.cells = cells})->getRooflineData()));
         EXPECT_FALSE(values.count("opsAndBandwidth.metrics.0.value")) << time;
+    }
+}
+
+TEST(RowResult, EachKindOfDatasetHasItsElapsedTime) {
+    Cells cells = kFloatCells;
+    cells[FieldId::GpuElapsedTime] = 4.0;
+    cells[FieldId::OffloadElapsedTime] = 5.0;
+    const std::pair<DataType, const char*> rates[]{
+        {DataType::Cpu, "10"}, {DataType::CpuTopDown, "10"}, {DataType::Gpu, "5"}, {DataType::Offload, "4"}};
+    for (const auto& [type, rate] : rates) {
+        auto values = valuesOf(parse(makeEngine({.cells = cells, .type = type})->getRooflineData()));
+        EXPECT_EQ(values["opsAndBandwidth.metrics.0.value"], rate) << static_cast<int>(type);
     }
 }
 
