@@ -124,27 +124,31 @@ void addReaders(Commands& commands) {
 }
 
 constexpr auto kRowsFooter =
-    R"(Each row is taken by the operations that it has most of, float or integer, with its self data or, with the option
-value 0 of the call stacks, its total data. Its point is its stored performance and its intensity against its traffic
-to the core. Its compute roof follows from its cells: vectorised or not, FMA, type and width.
+    R"(Each row is taken by the operations that it has most of, float or integer, with its self data or, with
+the option value 0 of the call stacks, its total data. Its point is its stored performance and its intensity
+against its traffic to the core. Its compute roof follows from its cells: vectorised or not, FMA, type and
+width. Its roofs are for its own threads or for --threads; odd numbers are taken as the next even one.
 
-  limiting roof  the lowest memory roof that stands above the point; in its place the compute roof, when that stands
-                 lower over this point. "above ROOF": not even the highest memory roof stands above the point
-  of that roof   performance over the roof's height at the row's intensity; above a roof: more than 100 %, with "!"
-  speed-up       the roof's height over the performance: how much faster the row would be on it. It does not say
-                 that anything can be done about it
+  limiting roof   the lowest memory roof that stands above the point, or the compute roof where that one
+                  stands lower over the point. "above ROOF": not even the highest memory roof stands above
+  of that roof    performance over the roof's height at the row's intensity; above a roof it is more than
+                  100 % and has a "!"
+  speed-up        the roof's height over the performance: how much faster the row would be on it, which does
+                  not say that anything can be done about it
   nearest level roof
-                 among the row's points at the memory levels, each with that level's traffic: the level's roof or
-                 the compute roof that stands nearest above any, by difference of performance
-  remark         why a row has no point or no roof. "above ROOF: N %!": the compute roof lies below the point, so the
-                 row's cells, the machine or the measurement tell less than the whole; the roof was passed over
+                  each memory level gives a point of its own, with that level's traffic: the level's roof or
+                  the compute roof that stands nearest above any of them, by difference of performance
+  remark          why a row has no point, no roof or no levels. "above ROOF: N %!", "on ROOF": the compute
+                  roof doesn't stand above the point and was passed over; a row can't be faster than its
+                  right roof, so its cells, the machine or the measurement are wrong
 
-With --level all each memory level has a line: its traffic, the intensity against it, the level's own roof, how much of
-it is reached, and its share of the row's memory time, the traffic over the bandwidth. A level above its roof has no
-share. The nearest roof stands on the line of its level.
+With --level all each memory level has a line: its traffic, the intensity against it, the level's own roof,
+how much of it is reached, and its share of the row's memory time, that is of traffic over bandwidth. A level
+above its roof has no share. "nearest above" stands on the one line whose point has the nearest roof. A row
+has levels when its float and its integer operations and each level's loads and stores are known, 0 included.
 
---sort distance puts the largest speed-up first. JSON and CSV have full precision and units in their keys, fractions
-in place of percent. A row without a point is listed with its cause.)";
+--sort distance puts the largest speed-up first. JSON and CSV have full precision, units in their keys, and
+fractions in place of percent. A row without a point is listed with its cause.)";
 
 void addRowReaders(Commands& commands) {
     auto [rows, rowsRequest] =

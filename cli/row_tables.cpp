@@ -61,8 +61,7 @@ const ReadableColumn kOperations{{"operations", ""},
 const ReadableColumn kRemark{{"remark", ""},
                              [](const RowLine& row, const LevelLine*) { return Cell(remarkOf(row, false)); }};
 const ReadableColumn kLevelRemark{
-    {"remark", ""},
-    [](const RowLine& row, const LevelLine*) { return Cell(remarkOf(row, true)); }};
+    {"remark", ""}, [](const RowLine& row, const LevelLine*) { return Cell(remarkOf(row, true)); }};
 
 const std::array<ReadableColumn, 5> kTotalColumns{{
     {{"intensity [OP/byte]", "", Kind::Number},

@@ -41,14 +41,18 @@ std::string resultText(const std::string& rows, const std::string& levels = R"("
 
 // Below each kind of roof, above each kind, and without each thing that a point needs.
 const char* const kRows = R"(
-    {"id": 1, "cells": {"FunctionName": "stream", "SelfElapsedTime": 4, "SelfFloatOps": 4, "SelfIntOps": 0, "SelfL1Load": 16, "SelfL1Store": 0,
-                        "SelfDramLoad": 12, "SelfDramStore": 4, "Vectorized": 1, "VectorTraits": "FMA"}},
-    {"id": 2, "cells": {"FunctionName": "dense", "SelfElapsedTime": 2, "SelfFloatOps": 60, "SelfIntOps": 0, "SelfL1Load": 8, "SelfL1Store": 2,
-                        "SelfDramLoad": 2, "SelfDramStore": 0, "Vectorized": 1, "VectorTraits": "FMA"}},
-    {"id": 3, "cells": {"FunctionName": "not so scalar", "SelfElapsedTime": 1, "SelfFloatOps": 16, "SelfIntOps": 0,
-                        "SelfL1Load": 20, "SelfL1Store": 0, "SelfDramLoad": 5, "SelfDramStore": 0}},
-    {"id": 4, "cells": {"FunctionName": "too fast", "SelfElapsedTime": 0.5, "SelfFloatOps": 10, "SelfIntOps": 0,
-                        "SelfL1Load": 100, "SelfL1Store": 0, "SelfDramLoad": 100, "SelfDramStore": 0, "Vectorized": 1, "VectorTraits": "FMA"}},
+    {"id": 1, "cells": {"FunctionName": "stream", "SelfElapsedTime": 4, "SelfFloatOps": 4, "SelfIntOps": 0,
+                        "SelfL1Load": 16, "SelfL1Store": 0, "SelfDramLoad": 12, "SelfDramStore": 4,
+                        "Vectorized": 1, "VectorTraits": "FMA"}},
+    {"id": 2, "cells": {"FunctionName": "dense", "SelfElapsedTime": 2, "SelfFloatOps": 60, "SelfIntOps": 0,
+                        "SelfL1Load": 8, "SelfL1Store": 2, "SelfDramLoad": 2, "SelfDramStore": 0,
+                        "Vectorized": 1, "VectorTraits": "FMA"}},
+    {"id": 3, "cells": {"FunctionName": "not so scalar", "SelfElapsedTime": 1, "SelfFloatOps": 16,
+                        "SelfIntOps": 0, "SelfL1Load": 20, "SelfL1Store": 0, "SelfDramLoad": 5,
+                        "SelfDramStore": 0}},
+    {"id": 4, "cells": {"FunctionName": "too fast", "SelfElapsedTime": 0.5, "SelfFloatOps": 10,
+                        "SelfIntOps": 0, "SelfL1Load": 100, "SelfL1Store": 0, "SelfDramLoad": 100,
+                        "SelfDramStore": 0, "Vectorized": 1, "VectorTraits": "FMA"}},
     {"id": 5, "cells": {"FunctionName": "copy", "SelfElapsedTime": 2.5, "SelfFloatOps": 0, "SelfL1Load": 20}},
     {"id": 6, "cells": {"FunctionName": "untimed", "SelfFloatOps": 1, "SelfL1Load": 20}},
     {"id": 7, "cells": {"FunctionName": "untouched", "SelfElapsedTime": 0.25, "SelfFloatOps": 1}})";
@@ -64,17 +68,64 @@ const json::Value& rowOf(const rapidjson::Document& document, const std::string&
     throw std::runtime_error("no row " + id);
 }
 
+// Every run of blanks as one.
+std::string squeezed(std::string text) {
+    const auto bothBlank = [](char a, char b) { return a == ' ' && b == ' '; };
+    text.erase(std::unique(text.begin(), text.end(), bothBlank), text.end());
+    return text;
+}
+
 double numberOf(const json::Value& row, const char* key) { return json::number(row, key).value_or(-1.0); }
 
 TEST_F(Rows, ShowsWhatLimitsEachRowAndMarksWhatCannotBe) {
     const auto result = run({"rows", file("r.json", resultText(kRows))});
     EXPECT_EQ(result.code, kDone);
-    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(squeezed(result.out),
+              "id name share of time intensity [OP/byte] performance [GOP/s] limiting roof of that "
+              "roof speed-up nearest level roof of that roof remark\n"
+              "1 stream 40 % 0.25 1 DRAM Bandwidth 40 % 2.5 DRAM Bandwidth 40 %\n"
+              "5 copy 25 % N/A N/A N/A N/A N/A N/A N/A no operations\n"
+              "2 dense 20 % 6 30 DP Vector FMA Peak 75 % 1.333 DP Vector FMA Peak 75 %\n"
+              "3 not so scalar 10 % 0.8 16 L1 Bandwidth 20 % 5 DRAM Bandwidth 50 % above Scalar Add "
+              "Peak: 200 %!\n"
+              "4 too fast 5 % 0.1 20 above L1 Bandwidth 200 %! N/A N/A N/A\n"
+              "7 untouched 2.5 % N/A N/A N/A N/A N/A N/A N/A no traffic\n"
+              "6 untimed N/A N/A N/A N/A N/A N/A N/A N/A no time\n"
+              "\n"
+              "7 rows: 3 below a roof, 1 above every memory roof, 3 neither: 1 no operations, 1 no "
+              "time, 1 no traffic\n"
+              "! above a memory roof: no memory roof stands above the row, and its percent is of the "
+              "highest one\n"
+              "! above a compute roof: the roof of the row's kind of code lies below its point, so it "
+              "can't be the right one\n");
 }
 
 TEST_F(Rows, GivesEachLevelALine) {
-    const auto result = run({"rows", file("r.json", resultText(kRows)), "--level", "all", "--top", "3"});
-    EXPECT_EQ(result.out, "");
+    const auto result = run({"rows", file("r.json", resultText(kRows)), "--level", "all"});
+    EXPECT_EQ(squeezed(result.out),
+              "id name share of time level traffic [GB] intensity [OP/byte] performance [GOP/s] "
+              "level's roof of that roof memory time nearest above remark\n"
+              "1 stream 40 % L1 16 0.25 1 L1 Bandwidth 4 % 9.091 %\n"
+              "1 stream 40 % DRAM 16 0.25 1 DRAM Bandwidth 40 % 90.91 % DRAM Bandwidth\n"
+              "5 copy 25 % N/A N/A N/A N/A N/A N/A N/A no operations\n"
+              "2 dense 20 % L1 10 6 30 L1 Bandwidth 5 % 33.33 % DP Vector FMA Peak\n"
+              "2 dense 20 % DRAM 2 30 30 DRAM Bandwidth 10 % 66.67 %\n"
+              "3 not so scalar 10 % L1 20 0.8 16 L1 Bandwidth 20 % 28.57 % above Scalar Add Peak: 200 "
+              "%!\n"
+              "3 not so scalar 10 % DRAM 5 3.2 16 DRAM Bandwidth 50 % 71.43 % DRAM Bandwidth above "
+              "Scalar Add Peak: 200 %!\n"
+              "4 too fast 5 % L1 100 0.1 20 L1 Bandwidth 200 %! N/A\n"
+              "4 too fast 5 % DRAM 100 0.1 20 DRAM Bandwidth 2000 %! N/A\n"
+              "7 untouched 2.5 % N/A N/A N/A N/A N/A N/A N/A no traffic\n"
+              "6 untimed N/A N/A N/A N/A N/A N/A N/A N/A no time\n"
+              "\n"
+              "7 rows: 3 below a roof, 1 above every memory roof, 3 neither: 1 no operations, 1 no "
+              "time, 1 no traffic\n"
+              "! above a memory roof: no memory roof stands above the row, and its percent is of the "
+              "highest one\n"
+              "! above a compute roof: the roof of the row's kind of code lies below its point, so it "
+              "can't be the right one\n"
+              "! above a level's roof: more traffic in this time than that level can carry\n");
 }
 
 TEST_F(Rows, SortsStablyWithMissingValuesLastAndCountsWhatIsNotShown) {
@@ -149,22 +200,25 @@ TEST_F(Rows, JsonHoldsTheLibrarysVerdictInFullPrecision) {
 TEST_F(Rows, TakesTheRoofsOfTheThreadsThatWereChosen) {
     struct Row {
         std::vector<std::string> options;
-        double height;  // of the FMA peak
+        const char* roof;
+        double height;
     };
     const auto path = file("r.json", resultText(kRows));
-    const Row rows[] = {{{}, 40},
-                        {{"--threads", "1"}, 40},
-                        {{"--threads", "2"}, 80},
-                        {{"--threads", "4"}, 160},
-                        {{"--threads", "4", "--single"}, 40}};
+    const Row rows[] = {{{}, "L1 Bandwidth", 80},
+                        {{"--threads", "1"}, "L1 Bandwidth", 80},
+                        {{"--threads", "2"}, "L1 Bandwidth", 160},
+                        {{"--threads", "3"}, "Scalar Add Peak", 32},
+                        {{"--threads", "4"}, "Scalar Add Peak", 32},
+                        {{"--threads", "4", "--single"}, "L1 Bandwidth", 80}};
     for (const auto& row : rows) {
         std::vector<std::string> arguments{"rows", path};
         arguments.insert(arguments.end(), row.options.begin(), row.options.end());
         const auto document = rowsJson(arguments);
-        const auto& dense = rowOf(document, "2");
-        EXPECT_EQ(json::text(dense, "limiting_roof"), "DP Vector FMA Peak");
-        EXPECT_EQ(numberOf(dense, "limiting_roof_gop_per_s"), row.height) << row.options.size();
+        const auto& scalar = rowOf(document, "3");
+        EXPECT_EQ(json::text(scalar, "limiting_roof"), row.roof) << ::testing::PrintToString(row.options);
+        EXPECT_EQ(numberOf(scalar, "limiting_roof_gop_per_s"), row.height);
     }
+    EXPECT_THAT(run({"rows", path, "--threads", "2"}).out, HasSubstr("  on Scalar Add Peak\n"));
     EXPECT_THAT(run({"rows", path, "--threads", "3"}).err, HasSubstr("even number of threads: 4 here"));
     EXPECT_EQ(run({"rows", path, "--threads", "4"}).err, "");
     EXPECT_THAT(run({"row", path, "2", "--threads", "4"}).out, Not(run({"row", path, "2"}).out));
@@ -202,6 +256,13 @@ TEST_F(Rows, SayWhatIsMissingWithoutRoofsOrLevels) {
     EXPECT_THAT(result.out, HasSubstr("no roofs"));
     EXPECT_THAT(result.err, HasSubstr("--machine FILE"));
     EXPECT_THAT(result.err, HasSubstr("one memory level only"));
+
+    const auto halves = file("h.json", resultText(R"(
+        {"id": 1, "cells": {"SelfElapsedTime": 1, "SelfFloatOps": 2, "SelfL1Load": 4, "SelfL1Store": 0}},
+        {"id": 2, "cells": {"SelfElapsedTime": 1, "SelfFloatOps": 2, "SelfIntOps": 0, "SelfL1Load": 4}})"));
+    const auto levels = run({"rows", halves, "--level", "all"}).out;
+    EXPECT_THAT(levels, HasSubstr("levels need float and integer counts, 0 included\n"));
+    EXPECT_THAT(levels, HasSubstr("levels need loads and stores, 0 included\n"));
 }
 
 TEST_F(Rows, PrintsOneRowsDetailsToTheByte) {
