@@ -3,6 +3,7 @@
 #include "host_interfaces/host_functions.h"
 
 #include "roofline_model/bag_helpers.h"
+#include "roofline_model/chart_widgets.h"
 #include "roofline_model/cpu_row_roofline_helper.h"
 #include "roofline_model/roof_names.h"
 #include "roofline_model/row_roofline_engine.h"
@@ -12,7 +13,6 @@
 
 #include <boost/property_tree/ptree.hpp>
 
-#include <algorithm>
 #include <set>
 
 namespace data_models2 {
@@ -34,11 +34,6 @@ std::set<std::string> requestedIds(const variant_bag_t& bag) {
     };
     addItems(bag, addItems);
     return ids;
-}
-
-int wholePercent(double part, double whole) {
-    if (!(whole > 0.0)) return 0;
-    return static_cast<int>(std::clamp(part / whole * 100.0, 0.0, 1e9));
 }
 
 }  // namespace
@@ -134,8 +129,9 @@ variant_bag_t LoopDetails::getBottleneck(const RooflineConfigurations& configura
 std::string LoopDetails::describeLimit(const CRowRooflineEngine& engine) const {
     const LimitingRoof roof = engine.getLimitingRoof(!engine.areMemLevelMetricsAvailable());
     if (roof.boundCategory == BoundCategory::Compute)
-        return roofline::translate("roofline_bottleneck_bound_by_compute", roof.name,
-                                   wholePercent(engine.getPoint().performance, roof.limitValue));
+        return roofline::translate(
+            "roofline_bottleneck_bound_by_compute", roof.name,
+            roofline::helpers::wholePercent(engine.getPoint().performance, roof.limitValue));
     const auto level = roofline_helpers::getMemoryRooflineType(roof.memoryLevel, TargetDeviceType::Cpu);
     const auto caption = m_core.options()->getOptionCaption(level);
     return roofline::translate("roofline_bottleneck_bound_by_memory", roof.name,

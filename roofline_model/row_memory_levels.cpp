@@ -2,6 +2,7 @@
 // point.
 #include "host_interfaces/host_functions.h"
 
+#include "roofline_model/chart_widgets.h"
 #include "roofline_model/logging.h"
 #include "roofline_model/row_roofline_engine.h"
 
@@ -28,12 +29,6 @@ MemoryValue makeMemoryValue(const RoofItem& roof, double value, std::string text
             .roofId = roof.id,
             .roofName = roof.name,
             .memoryLevel = roof.memoryLevel};
-}
-
-// The integer part of a percentage, in decimal.
-std::string wholePercent(double percent) {
-    constexpr double kMost = 1e15;
-    return int2str(static_cast<long long>(std::clamp(percent, -kMost, kMost)));
 }
 
 }  // namespace
@@ -117,8 +112,8 @@ void CRowRooflineEngine::initMemoryData() {
     }
     if (!(timeSum > 0.0)) return;
     for (auto& value : m_memoryValues[RooflineMemoryValuesType::Time]) {
+        value.text = int2str(roofline::helpers::wholePercent(value.value, timeSum));
         value.value = value.value / timeSum * 100.0;
-        value.text = wholePercent(value.value);
     }
 }
 

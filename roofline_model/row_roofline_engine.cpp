@@ -145,7 +145,7 @@ bool CRowRooflineEngine::isValid() const {
         return false;
     if (!limits(m_limitingRoof) || (areMemLevelMetricsAvailable() && !limits(m_memLimitingRoof)))
         return false;
-    return m_helper->isValid(m_totalMetricsAvailable);
+    return roofline::guarded(false, [this] { return m_helper->isValid(m_totalMetricsAvailable); });
 }
 
 std::vector<MemoryValue> CRowRooflineEngine::getMemoryValues(RooflineMemoryValuesType type) const {
