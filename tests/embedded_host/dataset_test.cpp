@@ -63,7 +63,7 @@ TEST(Dataset, AVisitedTreeNeedsNoStackWhateverItsDepth) {
 
 TEST(Dataset, GivesEachFieldTypeItsVariantKind) {
     const auto dataset =
-        viewOf(R"({"id": 9223372036854775807, "cells": {"FunctionName": "", "CallCount": 4294967295,
+        viewOf(R"({"id": 9223372036854775807, "cells": {"FunctionName": "", "UnrollFactor": 4294967295,
                    "SelfTime": 0.1, "SelfFloatOps": -0.0}})")
             ->getDataset(DataType::Cpu);
     const auto row = *dataset->getRows(0);
@@ -75,7 +75,7 @@ TEST(Dataset, GivesEachFieldTypeItsVariantKind) {
     EXPECT_EQ(kindAndText(FieldId::RowKey), "8 9223372036854775807");
     EXPECT_EQ(kindAndText(FieldId::Rva), "12 9223372036854775807");
     EXPECT_EQ(kindAndText(FieldId::FunctionName), "12 ");
-    EXPECT_EQ(kindAndText(FieldId::CallCount), "7 4294967295");
+    EXPECT_EQ(kindAndText(FieldId::UnrollFactor), "7 4294967295");
     EXPECT_EQ(kindAndText(FieldId::SelfTime), "11 0.1");
     EXPECT_EQ(kindAndText(FieldId::SelfFloatOps), "11 0");
     EXPECT_EQ(kindAndText(FieldId::NestingLevel), "missing");
