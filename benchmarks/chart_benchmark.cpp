@@ -22,7 +22,7 @@ namespace {
 
 using namespace data_models2;
 
-constexpr unsigned kLoaderFlags = rapidjson::kParseFullPrecisionFlag | rapidjson::kParseIterativeFlag;
+constexpr unsigned kLoaderFlags = rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag;
 
 // Keeps a text that is only made to be timed.
 std::size_t g_written = 0;

@@ -73,11 +73,10 @@ public:
     // Sets a member; one of that name is replaced where it stands.
     template <class T>
     void set(std::string_view key, T&& item) {
-        const auto found = m_value.FindMember(keyOf(key));
-        if (found == m_value.MemberEnd())
-            append(key, std::forward<T>(item));
+        if (has(key))
+            m_value[keyOf(key)] = makeValue(std::forward<T>(item), *m_allocator);
         else
-            found->value = makeValue(std::forward<T>(item), *m_allocator);
+            append(key, std::forward<T>(item));
     }
     // The same where the caller knows that the key is new, such as when the keys come from a map.
     template <class T>

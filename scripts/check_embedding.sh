@@ -20,5 +20,8 @@ cmake --build "$prefix/embed"
     "$prefix/bin/roofline" options "$result" && echo
     "$prefix/bin/roofline" chart "$result" --json - && echo
 } >"$prefix/program"
+if [[ -x $prefix/embed/own_host ]]; then
+    [[ $("$prefix/embed/own_host") == *'"groups"'*'"physicalCoreCount":0'* ]]
+fi
 diff "$prefix/embedded" "$prefix/program"
 echo "embedding: the example and the program agree, $(wc -c <"$prefix/program") bytes"

@@ -3,9 +3,11 @@
 
 #include <fmt/format.h>
 #include <rapidjson/error/en.h>
+#include <rapidjson/reader.h>
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <numeric>
@@ -172,6 +174,75 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
     return row.back();
 }
 
+// The power of ten of a number's first digit that isn't 0: tells what is too small from what is too large.
+long magnitudeOf(std::string_view number) {
+    const auto exponentAt = number.find_first_of("eE");
+    const auto digits = number.substr(0, exponentAt);
+    const auto first = std::min(digits.find_first_of("123456789"), digits.size());
+    const auto point = std::min(digits.find('.'), digits.size());
+    long exponent = 0;
+    if (exponentAt != std::string_view::npos) {
+        const bool isNegative = number[exponentAt + 1] == '-';
+        auto rest = number.substr(exponentAt + 1);
+        rest.remove_prefix(rest[0] == '-' || rest[0] == '+' ? 1 : 0);
+        constexpr long kFarOut = std::numeric_limits<int>::max();
+        const auto read = std::from_chars(rest.data(), rest.data() + rest.size(), exponent);
+        if (read.ec != std::errc() || exponent > kFarOut) exponent = kFarOut;
+        if (isNegative) exponent = -exponent;
+    }
+    return exponent + static_cast<long>(point) - static_cast<long>(first);
+}
+
+// Builds a document; reads its numbers itself. The parser's own exact reading leaves its tables on numbers
+// such as "0.000...1" with hundreds of zeros, and there reads whatever lies in memory.
+class DocumentBuilder {
+public:
+    explicit DocumentBuilder(rapidjson::Document& document) : m_document(document) {}
+
+    bool RawNumber(const char* first, rapidjson::SizeType length, bool) {
+        const std::string_view number(first, length);
+        const auto read = [&](auto& value) {
+            const auto result = std::from_chars(first, first + length, value);
+            return result.ec == std::errc() && result.ptr == first + length;
+        };
+        std::uint64_t natural = 0;
+        if (read(natural)) return m_document.Uint64(natural);
+        std::int64_t integer = 0;
+        if (read(integer)) return m_document.Int64(integer);
+        double value = 0.0;
+        if (read(value) || magnitudeOf(number) < 0) return m_document.Double(value);
+        return false;
+    }
+
+    bool Null() { return m_document.Null(); }
+    bool Bool(bool value) { return m_document.Bool(value); }
+    bool String(const char* text, rapidjson::SizeType length, bool copy) {
+        return m_document.String(text, length, copy);
+    }
+    bool StartObject() { return m_document.StartObject(); }
+    bool Key(const char* text, rapidjson::SizeType length, bool copy) {
+        return m_document.Key(text, length, copy);
+    }
+    bool EndObject(rapidjson::SizeType members) { return m_document.EndObject(members); }
+    bool StartArray() { return m_document.StartArray(); }
+    bool EndArray(rapidjson::SizeType items) { return m_document.EndArray(items); }
+    // Never called: all numbers come as text.
+    bool Int(int) { return false; }
+    bool Uint(unsigned) { return false; }
+    bool Int64(std::int64_t) { return false; }
+    bool Uint64(std::uint64_t) { return false; }
+    bool Double(double) { return false; }
+
+private:
+    rapidjson::Document& m_document;
+};
+
+std::string_view whyNot(rapidjson::ParseErrorCode error) {
+    // The builder refuses nothing else.
+    return error == rapidjson::kParseErrorTermination ? "a number too large for a double"
+                                                      : rapidjson::GetParseError_En(error);
+}
+
 }  // namespace
 
 std::string suggestion(std::string_view name, std::span<const std::string_view> names) {
@@ -194,13 +265,18 @@ JsonFile::JsonFile(std::string name, const std::string& text) : m_name(std::move
         text.compare(0, byteOrderMark.size(), byteOrderMark) == 0 ? byteOrderMark.size() : 0;
     if (const auto bad = findBadByte(text))
         failAt(m_name, text, *bad, "expected UTF-8 text, found other bytes");
-    // Iterative: a deep file must not exhaust the stack. Full precision: a number is the nearest double.
-    constexpr auto flags = rapidjson::kParseFullPrecisionFlag | rapidjson::kParseIterativeFlag;
-    m_document.Parse<flags>(text.c_str() + start);
-    if (m_document.HasParseError()) {
-        failAt(m_name, text, start + m_document.GetErrorOffset(),
-               fmt::format("not JSON: {}", rapidjson::GetParseError_En(m_document.GetParseError())));
-    }
+    // Iterative: a deep file must not exhaust the stack.
+    constexpr auto flags = rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag;
+    rapidjson::ParseResult parsed;
+    auto build = [&](rapidjson::Document& document) {
+        rapidjson::StringStream stream(text.c_str() + start);
+        DocumentBuilder builder(document);
+        parsed = rapidjson::Reader().Parse<flags>(stream, builder);
+        return !parsed.IsError();
+    };
+    m_document.Populate(build);
+    if (parsed.IsError())
+        failAt(m_name, text, start + parsed.Offset(), fmt::format("not JSON: {}", whyNot(parsed.Code())));
 }
 
 void JsonFile::fail(const JsonValue& at, std::string_view what) const {

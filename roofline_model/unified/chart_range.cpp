@@ -46,11 +46,13 @@ LoopParamSets makeSets(const LoopParams& params, const std::shared_ptr<const CRo
 // the names compared once a walk.
 class CoordinateReader {
 public:
-    explicit CoordinateReader(const LoopParams& params) : m_params(params) {
+    CoordinateReader(const RowReader& reader, std::size_t set, const LoopParams& params) {
         Coordinates all;
         for (const auto& param : params) all[param.getName()] = kMissing;
         m_values.resize(all.size());
-        for (const auto& param : params) m_index.push_back(indexOf(all, param.getName()));
+        for (std::size_t i = 0; i < params.size(); ++i)
+            m_steps.push_back(
+                {reader.slotOf(set, i), indexOf(all, params[i].getName()), params[i].isNecessary()});
         for (const auto& x : all) {
             if (!isValidAiCoord(x, all)) continue;
             const std::string partner = "y" + std::string(x.first.substr(1));
@@ -58,9 +60,9 @@ public:
         }
     }
 
-    void addRow(RowReader& reader, std::size_t set, RooflineViewRect& rect) {
+    void addRow(RowReader& reader, RooflineViewRect& rect) {
         std::fill(m_values.begin(), m_values.end(), kMissing);
-        read(reader, set);
+        read(reader);
         for (const auto& [x, y] : m_points)
             if (!std::isnan(m_values[x]) && !std::isnan(m_values[y]))
                 updateViewRect(rect, m_values[x], m_values[y]);
@@ -69,24 +71,28 @@ public:
 private:
     static constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 
+    struct Step {
+        std::size_t slot;
+        std::size_t name;
+        bool isNecessary;
+    };
+
     static std::size_t indexOf(const Coordinates& all, std::string_view name) {
         return static_cast<std::size_t>(all.find(name) - all.begin());
     }
 
     // A necessary parameter without a value ends the list.
-    void read(RowReader& reader, std::size_t set) {
-        for (std::size_t i = 0; i < m_params.size(); ++i) {
-            const variant_t* value = reader.isValid(set, i) ? &reader.getValue(set, i) : nullptr;
-            if (value && value->isNumber())
-                m_values[m_index[i]] = value->toDouble();
-            else if (m_params[i].isNecessary())
+    void read(RowReader& reader) {
+        for (const Step& step : m_steps) {
+            if (reader.isValid(step.slot) && reader.getValue(step.slot).isNumber())
+                m_values[step.name] = reader.getValue(step.slot).toDouble();
+            else if (step.isNecessary)
                 return;
         }
     }
 
-    const LoopParams& m_params;
+    std::vector<Step> m_steps;
     std::vector<double> m_values;                               // by name
-    std::vector<std::size_t> m_index;                           // name by parameter
     std::vector<std::pair<std::size_t, std::size_t>> m_points;  // names of x and y
 };
 
@@ -97,10 +103,10 @@ void calcViewRectImp(RooflineViewRect& rect, const sptr_t<IDataset>& dataset, co
     const LoopParamSets sets = makeSets(params, options, withTotals);
     RowReader reader(sets, dataset);
     std::vector<CoordinateReader> readers;
-    for (const auto& set : sets) readers.emplace_back(set.first);
+    for (std::size_t set = 0; set < sets.size(); ++set) readers.emplace_back(reader, set, sets[set].first);
     const auto addRow = [&](const sptr_t<IDataset>&, const sptr_t<RowNode>& row, int) {
         reader.setRow(row);
-        for (std::size_t set = 0; set < sets.size(); ++set) readers[set].addRow(reader, set, rect);
+        for (auto& coordinates : readers) coordinates.addRow(reader, rect);
         return 0;
     };
     forEachDatasetRows4Loops(dataset, addRow, {});

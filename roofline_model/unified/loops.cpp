@@ -40,8 +40,8 @@ LoopParamSets makeSets(const LoopParams& params, const RooflineConfigurations& c
     return sets;
 }
 
-// The keys that a record has beside its parameters.
-constexpr std::size_t kOwnKeys = 6;
+// How many keys most records have beside their parameters: both ids and the type.
+constexpr std::size_t kOwnKeys = 3;
 
 // The parameters by key; of those with one key the later stays behind the earlier and overwrites it.
 std::vector<std::size_t> keyOrder(const LoopParams& params) {
@@ -109,11 +109,12 @@ private:
         m_values.assign(params.size(), {});
         for (std::size_t i = 0; i < params.size(); ++i) {
             const LoopParam& param = params[i];
-            if (!m_reader.isValid(set, i)) {
+            const auto slot = m_reader.slotOf(set, i);
+            if (!m_reader.isValid(slot)) {
                 if (param.isNecessary()) return false;
                 continue;
             }
-            const variant_t& value = m_reader.getValue(set, i);
+            const variant_t& value = m_reader.getValue(slot);
             if (param.getName() == "type") {
                 readType(value);
                 continue;
@@ -123,7 +124,10 @@ private:
             if (m_values[i].kind() == variant_t::kDouble && param.isCoordinate())
                 m_coordinates[param.getName()] = m_values[i].toDouble();
         }
-        record.reserve(params.size() + kOwnKeys);
+        const auto present =
+            params.size() - static_cast<std::size_t>(std::count_if(
+                                m_values.begin(), m_values.end(), [](const auto& v) { return v.isEmpty(); }));
+        record.reserve(present + kOwnKeys);
         for (const auto i : m_keyOrders[set])
             if (!m_values[i].isEmpty()) record.append(params[i].getName(), std::move(m_values[i]));
         return record.isValid();

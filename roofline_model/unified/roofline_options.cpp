@@ -160,6 +160,7 @@ std::vector<RooflineTypes> CRooflineOptions::getRooflineTypesSetImp(
 }
 
 std::vector<std::string> CRooflineOptions::getCaptions(const RooflineTypes& types) const {
+    translate();
     std::vector<std::string> result;
     for (const auto& group : m_groups)
         if (group.providesCaption()) result.push_back(group.getCaption(types));
@@ -175,6 +176,7 @@ std::string CRooflineOptions::getRooflineConfigurationStr(const RooflineTypes& t
 }
 
 std::string CRooflineOptions::getOptionCaption(const std::string& value) const {
+    translate();
     for (const auto& group : m_groups)
         if (auto caption = group.getCaption({value}); !caption.empty()) return caption;
     return {};

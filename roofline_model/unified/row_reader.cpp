@@ -23,13 +23,9 @@ void RowReader::setRow(const sptr_t<RowNode>& row) {
     ++m_rowNumber;
 }
 
-const variant_t& RowReader::getValue(std::size_t set, std::size_t param) {
-    Slot& slot = m_slots[m_index[set][param]];
-    if (slot.row != m_rowNumber) {
-        slot.value = slot.param->getValue(m_dataset, m_row);
-        slot.row = m_rowNumber;
-    }
-    return slot.value;
+void RowReader::read(Slot& slot) {
+    slot.value = slot.param->getValue(m_dataset, m_row);
+    slot.row = m_rowNumber;
 }
 
 }  // namespace data_models2

@@ -17,9 +17,15 @@ public:
 
     // Goes to another row.
     void setRow(const sptr_t<RowNode>& row);
-    bool isValid(std::size_t set, std::size_t param) const { return m_slots[m_index[set][param]].isValid; }
+    // Where the value of a parameter stands; parameters with the same expression share a place.
+    std::size_t slotOf(std::size_t set, std::size_t param) const { return m_index[set][param]; }
+    bool isValid(std::size_t slot) const { return m_slots[slot].isValid; }
     // Holds until the next row.
-    const variant_t& getValue(std::size_t set, std::size_t param);
+    const variant_t& getValue(std::size_t slot) {
+        Slot& place = m_slots[slot];
+        if (place.row != m_rowNumber) read(place);
+        return place.value;
+    }
 
 private:
     struct Slot {
@@ -28,6 +34,8 @@ private:
         std::size_t row = 0;  // the value's row; rows count from 1
         variant_t value;
     };
+
+    void read(Slot& slot);
 
     sptr_t<IDataset> m_dataset;
     std::deque<LoopParamsInitializer> m_bindings;

@@ -101,6 +101,7 @@ const Refused kRefused[] = {
      "/rows/0/cells/SelfTime: expected a finite number that is not negative, found null"},
     {"NegativeTraffic", cells(R"("SelfL1Load": -0.5)"),
      "/rows/0/cells/SelfL1Load: expected a finite number that"},
+    {"NumberBeyondDoubles", cells(R"("SelfTime": 1.8e308)"), "line 1, column 101: not JSON: a number too large for a double"},
     {"FractionCount", cells(R"("UnrollFactor": 1.5)"),
      "/rows/0/cells/UnrollFactor: expected an integer from 0 to 4294967295, found 1.5"},
     {"HugeCount", cells(R"("UnrollFactor": 4294967296)"),

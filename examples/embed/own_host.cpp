@@ -1,0 +1,48 @@
+// A host of one's own at its smallest: the functions that a host defines, without result or messages. It
+// links nothing of the embedded host; docs/embedding.md tells what a whole host brings.
+#include "host_interfaces/host_functions.h"
+
+#include "roofline_model/factories.h"
+
+#include <cstdio>
+#include <string>
+
+namespace data_models2 {
+
+void reportAssertion(const char* expression, const char* unit, int line) {
+    std::fprintf(stderr, "%s:%d: %s\n", unit, line, expression);
+}
+std::string getFieldStringId(FieldId field) { return std::to_string(static_cast<int>(field)); }
+sptr_t<IDatasetHelper> createDatasetHelper(const sptr_t<IDataset>&) { return nullptr; }
+std::shared_ptr<const IMessageCatalogue> loadMessageCatalogue(const std::string&) { return nullptr; }
+std::string toText(const variant_t&) { return {}; }
+
+namespace roof {
+OperationsType getOperationsType(const RoofItem&) { return OperationsType::Float; }
+bool hasType(const RoofItem& roof, RoofItem::Type type) { return (roof.typeBits & type) != 0; }
+std::string getCpuRoofConfiguration(const RoofThreadingFeatures&, OperationsType,
+                                    IRooflineInfo::Perspective) {
+    return {};
+}
+std::string getCpuRoofConfiguration(int, int, RoofThreadingFeatures::Strategy, OperationsType,
+                                    IRooflineInfo::Perspective) {
+    return {};
+}
+}  // namespace roof
+
+namespace roofline_helpers {
+std::string getMemoryRooflineType(MemoryLevel, TargetDeviceType) { return {}; }
+RoofId getGpuLastMemLevelRoofId(const std::string&) { return RoofId::XliBandwidth; }
+}  // namespace roofline_helpers
+
+namespace library_helpers {
+bool hasLibrary(const sptr_t<RowNode>&, const sptr_t<IDataset>&, int) { return false; }
+}  // namespace library_helpers
+
+}  // namespace data_models2
+
+int main() {
+    const auto engine = data_models2::createRooflineInfo(nullptr);
+    std::printf("%s\n%s\n", engine->getRooflineOptions().c_str(), engine->getThreadsInfo().c_str());
+    return 0;
+}
