@@ -30,11 +30,13 @@ void checkRequest(const std::string& text) {
     throw UsageError(R"(--request: expected a JSON object such as {"item":["3"]})");
 }
 
-void tellMissing(const Session& session, const LoopRequest& request, Console& console) {
-    std::set<std::uint64_t> known;
-    forEachRow(session.rows, [&](const auto& row) { known.insert(row->getId()); });
+// Tells which loops of --id have no answer: there is no such row, or it takes no part in a chart.
+void tellMissing(const json::Value& answers, const LoopRequest& request, Console& console) {
+    std::set<std::string> answered;
+    for (const auto& answer : answers.GetArray()) answered.insert(json::text(answer, "id"));
     for (const auto id : request.ids)
-        if (!known.count(id)) console.err << fmt::format("{}: there is no row {}\n", request.source.file, id);
+        if (!answered.count(std::to_string(id)))
+            console.err << fmt::format("{}: there is no loop {}\n", request.source.file, id);
 }
 
 }  // namespace
@@ -52,7 +54,10 @@ int runLoop(const LoopRequest& request, Console& console) {
     answer.json = [&] { return details; };
     answer.jsonByDefault = true;
     deliver(answer, {}, console);
-    tellMissing(session, request, console);
+    const auto answers = json::parse(details, "the library's answer");
+    if (!answers.IsArray() || answers.Empty())
+        throw std::runtime_error("none of the loops asked for is in the chart");
+    tellMissing(answers, request, console);
     return kDone;
 }
 

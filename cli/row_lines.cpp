@@ -144,6 +144,7 @@ RowLine RowReader::read(const sptr_t<RowNode>& row) const {
                               ? "levels need loads and stores, 0 included"
                               : "levels need float and integer counts, 0 included";
     line.doubt = doubtOf(line, *info);
+    if (line.doubt.empty() && m_rooflines.isWithCallees(row, *info)) line.doubt = "with all that it calls";
     return line;
 }
 

@@ -42,9 +42,9 @@ struct RowLine {
     std::optional<RoofOver> underMemory;   // the highest memory roof, when no memory roof stands above
     std::optional<RoofOver> underCompute;  // the row's compute roof, when it doesn't stand above
     std::string cause;                     // why there is no point or no limit; empty when there is one
-    std::string doubt;                     // why the library gives no details in spite of a limit
-    std::string levelCause;                // why a row with a point has no levels, though they were measured
-    bool isValid = false;                  // the library's own word
+    std::string doubt;       // what to mind of a verdict: why details lack, or that callees are in it
+    std::string levelCause;  // why a row with a point has no levels, though they were measured
+    bool isValid = false;    // the library's own word
     std::vector<LevelLine> levels;
 
     // How much faster the row gets on the roof that limits it.

@@ -1,5 +1,5 @@
-// The library reads a row's threads, and whether total data are there, from the row's cells: to choose them
-// is to show it the dataset with other cells.
+// The library reads a row's threads from the row's cells: to choose them is to show it the dataset with other
+// cells.
 #include "cli/row_rooflines.h"
 
 #include "roofline_model/factories.h"
@@ -25,25 +25,18 @@ public:
     int getChildren(generic_iterator_t<sptr_t<ColumnNode>>&, int, int) const override { return -1; }
 };
 
-bool isTotalField(FieldId field) {
-    const auto found =
-        std::find_if(kFields.begin(), kFields.end(), [&](const FieldInfo& each) { return each.id == field; });
-    return found != kFields.end() && found->name.starts_with("Total");
-}
-
 class ChosenData final : public RefCounted<IDataset> {
 public:
     // `threads` 0: each row's own.
-    ChosenData(sptr_t<IDataset> dataset, int threads, bool selfOnly)
+    ChosenData(sptr_t<IDataset> dataset, int threads)
         : m_dataset(std::move(dataset)),
           m_threads(threads > 0 ? new ThreadColumn : nullptr),
-          m_threadCount(static_cast<std::uint32_t>(threads)),
-          m_selfOnly(selfOnly) {}
+          m_threadCount(static_cast<std::uint32_t>(threads)) {}
 
     DataType getDataType() const override { return m_dataset->getDataType(); }
     sptr_t<ColumnNode> getColumn(FieldId field) const override {
         if (m_threads && field == FieldId::ThreadCount) return m_threads;
-        return m_selfOnly && isTotalField(field) ? nullptr : m_dataset->getColumn(field);
+        return m_dataset->getColumn(field);
     }
     bool getValue(const sptr_t<RowNode>& row, const sptr_t<ColumnNode>& column, int aggregation,
                   variant_t& out) const override {
@@ -66,7 +59,6 @@ private:
     const sptr_t<IDataset> m_dataset;
     const sptr_t<ColumnNode> m_threads;
     const std::uint32_t m_threadCount;
-    const bool m_selfOnly;
 };
 
 bool isSelf(const std::string& configuration) {
@@ -90,19 +82,21 @@ RowRooflines::RowRooflines(const Session& session, const std::string& configurat
       m_features(threadingOf(session, choice)),
       m_levelCount(static_cast<int>(session.viewModel->getMemoryLevelNames().size())) {
     if (!m_dataset) throw std::runtime_error("the result has no rows");
-    m_chosen = new ChosenData(m_dataset, choice.threads, false);
-    m_selfOnly = new ChosenData(m_dataset, choice.threads, true);
+    m_chosen = new ChosenData(m_dataset, choice.threads);
     if (session.tree && !m_isTotal) m_callers = callersOf(session.tree);
     m_roofs = session.viewModel->getRoofManager(m_dataset->getDataType());
     if (!m_roofs) throw std::runtime_error("the result knows no roofs: give a machine with --machine FILE");
 }
 
 std::shared_ptr<IRowRooflineInfo> RowRooflines::of(const Row& row) const {
-    const auto& data = m_callers.count(row->getId()) ? m_selfOnly : m_chosen;
-    auto info = createRowRooflineInfo(row, data, m_roofs, getInstructionMixMap(row, m_dataset), m_levelCount,
-                                      std::make_shared<RoofThreadingFeatures>(m_features));
+    auto info = createRowRooflineInfo(row, m_chosen, m_roofs, getInstructionMixMap(row, m_dataset),
+                                      m_levelCount, std::make_shared<RoofThreadingFeatures>(m_features));
     if (!info) throw std::runtime_error(fmt::format("the library has no answer for row {}", row->getId()));
     return info;
+}
+
+bool RowRooflines::isWithCallees(const Row& row, const IRowRooflineInfo& info) const {
+    return !m_isTotal && info.areTotalMetricsAvailable() && m_callers.count(row->getId());
 }
 
 void warnOfOddThreads(const Session& session, const RoofChoice& choice, Console& console) {

@@ -30,12 +30,14 @@ public:
     int levelCount() const { return m_levelCount; }
     // Never null.
     std::shared_ptr<data_models2::IRowRooflineInfo> of(const Row& row) const;
+    // Whether the roofline of a row of self data speaks of its callees too: the library takes total data
+    // where they are there.
+    bool isWithCallees(const Row& row, const data_models2::IRowRooflineInfo& info) const;
 
 private:
     bool m_isTotal;
     Dataset m_dataset;
-    Dataset m_chosen;    // the same for the chosen threads
-    Dataset m_selfOnly;  // the same for rows whose total data would be another matter
+    Dataset m_chosen;  // the same for the chosen threads
     std::set<std::uint64_t> m_callers;
     std::shared_ptr<data_models2::IRoofManager> m_roofs;
     data_models2::RoofThreadingFeatures m_features;

@@ -98,9 +98,9 @@ struct RooflinePoint {
 
 // One entry of a row's memory tables.
 struct MemoryValue {
-    std::string caption;  // the level's token
-    double value = 0.0;   // percent
-    std::string text;
+    std::string caption;           // the level's token
+    double value = 0.0;            // percent
+    std::string text;              // gigabytes; in the table of time the whole percent
     RoofId roofId = RoofId::None;  // of the memory roof that the entry speaks of
     std::string roofName;
     MemoryLevel memoryLevel = MemoryLevel::None;

@@ -48,7 +48,7 @@ public:
     virtual variant_bag_t getBotteleneckVariantBag(std::vector<std::string> messages) const = 0;
     virtual bool areTotalMetricsAvailable() const = 0;
     virtual bool areMemLevelMetricsAvailable() const = 0;
-    // One entry a level, percent; empty when the table wasn't made.
+    // At most one entry a level, percent; empty when the table wasn't made.
     virtual std::vector<MemoryValue> getMemoryValues(RooflineMemoryValuesType type) const = 0;
     // All of the row's details, a JSON object.
     virtual std::string getRooflineData() const = 0;
@@ -83,7 +83,7 @@ public:
     virtual std::string getSelectedRoofs(const std::string& configuration, Perspective perspective) const = 0;
     // Cores, packages and used threads, a JSON object.
     virtual std::string getThreadsInfo() const = 0;
-    // The details of the loops that `request` names, a JSON object.
+    // The details of the loops that `request` names, a JSON array.
     virtual std::string getLoopAdditionalInfo(const std::string& request,
                                               std::shared_ptr<IResultController> controller,
                                               const std::string& configuration) const = 0;
@@ -93,8 +93,9 @@ public:
     // The values of a matched pair of rows, a JSON object.
     virtual std::string getComparisonData(const ComparisonData& data, const std::string& ids,
                                           const std::string& configuration) const = 0;
-    // Of one row: float work dominates (1, 0; 2 unknown), width of its floats (0 single, 1 double; 2
-    // unknown), width of its integers (0 to 6 for 4 to 256 bits; 7 unknown).
+    // Of one row of the dataset of self data; of any other row nothing is known. Float work dominates: 1, 0
+    // (also when the row's instruction mix isn't known), 2 unknown. Width of its floats: 0 single, 1 double,
+    // 2 unknown. Width of its integers: 0 to 6 for 4 to 256 bits, 7 unknown.
     virtual int getDominatingOperationType(sptr_t<RowNode> row) const = 0;
     virtual int getDominatingFloatType(sptr_t<RowNode> row) const = 0;
     virtual int getDominatingIntType(sptr_t<RowNode> row) const = 0;

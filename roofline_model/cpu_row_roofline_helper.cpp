@@ -14,7 +14,7 @@ namespace {
 constexpr auto kUnit = "roofline_model/cpu_row_roofline_helper";
 
 // Classes of the instruction mix.
-constexpr int kSinglePrecisionOps[]{3};
+constexpr int kSinglePrecisionOps = 3;
 constexpr int kVectorInstructions[]{11, 12, 49};
 constexpr int kFmaInstructions = 74;
 
@@ -65,13 +65,14 @@ void CpuRowRooflineHelper::init(const sptr_t<RowNode>& row, const sptr_t<IDatase
 }
 
 bool CpuRowRooflineHelper::findIsInnermost() const {
-    constexpr std::uint64_t kNested = 0x4;
+    constexpr std::uint64_t kLoop = 0x4;
+    constexpr std::uint64_t kSubRow = 0x8;  // of a loop: counted one level too deep
     const auto level = readInteger(FieldId::NestingLevel, m_row, m_dataset).value_or(0);
     const auto specification = m_row->getSpecification();
-    if (!specification || !(specification->getRowType() & kNested)) return level == 0;
+    if (!specification || !(specification->getRowType() & kLoop)) return level == 0;
     const auto inner = readInteger(FieldId::InnerNesting, m_row, m_dataset);
     if (!inner || *inner != 0) return false;
-    return level < 2 || (level == 2 && specification->getRowType() & row_type::kHidden);
+    return level < 2 || (level == 2 && specification->getRowType() & kSubRow);
 }
 
 std::int64_t CpuRowRooflineHelper::mixCount(int column) const {
@@ -90,7 +91,7 @@ RoofId CpuRowRooflineHelper::findFloatRoof(bool vectorized) const {
     if (!vectorized) return RoofId::ScalarAddPeak;
     const auto traits = checkData<std::string>(FieldId::VectorTraits, {}, m_row, m_dataset);
     const bool fma = mixCount(kFmaInstructions) >= 1 || traits.find("FMA") != std::string::npos;
-    const bool isDouble = mixCount(kSinglePrecisionOps[0]) < 1;
+    const bool isDouble = mixCount(kSinglePrecisionOps) < 1;
     if (fma) return isDouble ? RoofId::DpVectorFmaPeak : RoofId::SpVectorFmaPeak;
     return isDouble ? RoofId::DpVectorAddPeak : RoofId::SpVectorAddPeak;
 }

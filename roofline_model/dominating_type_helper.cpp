@@ -27,7 +27,7 @@ constexpr std::array<Code, 7> kIntWidths{{{4, 0}, {8, 1}, {16, 2}, {32, 3}, {64,
 constexpr std::array<Code, 2> kFloatWidths{{{32, 0}, {64, 1}}};
 
 // Instruction classes: fused multiply-adds count twice as float work, the others against it.
-constexpr int kFloatInstructions = 74;
+constexpr int kFmaInstructions = 74;
 constexpr std::array<int, 3> kOtherInstructions{63, 64, 65};
 
 template <std::size_t N>
@@ -62,7 +62,7 @@ bool DominatingTypeHelper::getDominatingOperationType(const sptr_t<RowNode>& row
         if (found == mix.end() || !found->second.isInteger()) return 0;
         return static_cast<std::uint64_t>(toInteger<long long>(found->second));
     };
-    std::uint64_t balance = 2 * count(kFloatInstructions);
+    std::uint64_t balance = 2 * count(kFmaInstructions);
     for (const int column : kOtherInstructions) balance -= count(column);
     return static_cast<std::int64_t>(balance) > 0;
 }

@@ -21,19 +21,37 @@ namespace {
 
 constexpr auto kItem = "item";
 
-std::set<std::string> requestedIds(const variant_bag_t& bag) {
-    std::set<std::string> ids;
-    const auto addItems = [&](const variant_bag_t& list, const auto& self) -> void {
-        for (const auto& [name, child] : list) {
-            if (name != kItem) continue;
-            if (child.empty())
-                ids.insert(toText(child.data()));
-            else
-                self(child, self);
-        }
-    };
-    addItems(bag, addItems);
-    return ids;
+// The ids of a list: "item" children, or the items of an "item" that is a list itself.
+void collectIds(const variant_bag_t& list, std::set<std::string>& ids) {
+    for (const auto& [name, child] : list) {
+        if (name != kItem) continue;
+        if (child.empty())
+            ids.insert(toText(child.data()));
+        else
+            collectIds(child, ids);
+    }
+}
+
+// Whether the row has a point and roofs, but none of its memory roofs stands above it.
+bool isAboveAllRoofs(const CRowRooflineEngine& engine) {
+    const RooflinePoint point = engine.getPoint();
+    return point.ai > 0.0 && !engine.getMemoryRoofs().empty() &&
+           engine.getComputeRoof(point.operationsType).id != RoofId::None &&
+           engine.getLimitingRoof(true).name.empty();
+}
+
+// Without memory levels the row engine has no bottleneck to draw: the total point and its roof stand in.
+variant_bag_t drawTotalLimit(const CRowRooflineEngine& engine, const std::vector<std::string>& messages) {
+    using namespace roofline::helpers;
+    constexpr int kPercent = 0;
+    const RooflinePoint point = engine.getPoint();
+    const LimitingRoof roof = engine.getLimitingRoof(true);
+    BottleneckWidget widget;
+    widget.addLoopWithLimitingRoof(logPosition(point.ai), logPosition(point.performance), roof.name,
+                                   logHeight(roof), logPosition(roof.limitValue),
+                                   wholePercent(point.performance, roof.limitValue), kPercent);
+    for (const auto& message : messages) widget.addMessage(message);
+    return widget.get();
 }
 
 }  // namespace
@@ -47,11 +65,10 @@ bool LoopDetails::initDataForLoopAdditionalInfo(
     const std::shared_ptr<LoopAdditionalInfoParams>& params) const {
     if (!params || !params->configurations.init(configuration, m_core.options()) || !m_viewModel)
         return false;
-    const bool isSelf = !params->configurations.empty() && params->configurations.begin()->hasType("1");
-    const auto total = m_viewModel->getDataset(m_core.kind().totals);
-    params->dataset = isSelf || !total ? m_viewModel->getDataset(m_core.kind().rows) : total;
+    if (params->configurations.empty()) return false;
+    params->dataset =
+        EngineCore::chooseDataset(m_core.kind(), *m_viewModel, params->configurations, nullptr, nullptr);
     if (!params->dataset) return false;
-    params->bag = bag;
     roofline::parseRoofParams(bag, roofline::getThreadsInfo(m_viewModel), params->features);
     params->roofManager = m_viewModel->getRoofManager(params->dataset->getDataType());
     return params->roofManager != nullptr;
@@ -64,7 +81,8 @@ std::string LoopDetails::getLoopAdditionalInfo(const std::string& request,
     if (!roofline::helpers::parseLoopAdditionalInfoRequest(request, bag) ||
         !initDataForLoopAdditionalInfo(bag, configuration, params))
         return {};
-    const auto ids = requestedIds(bag);
+    std::set<std::string> ids;
+    collectIds(bag, ids);
     variant_bag_t result;
     VBagHelper::addAttribute(result, VBagAttr<std::string>{"arrayOf", kItem});
     const auto addRow = [&](const sptr_t<IDataset>&, const sptr_t<RowNode>& row, int) {
@@ -112,18 +130,30 @@ variant_bag_t LoopDetails::getObjectBag(const std::string& objectId, const std::
 variant_bag_t LoopDetails::getBottleneck(const RooflineConfigurations& configurations,
                                          const std::shared_ptr<CRowRooflineEngine>& engine,
                                          const CpuRowRooflineHelper& helper) const {
-    if (!helper.isValid(engine->areTotalMetricsAvailable()) || !engine->isValid() || configurations.empty())
+    if (!helper.isValid(engine->areTotalMetricsAvailable()) || configurations.empty())
         return engine->getBotteleneckVariantBag({});
-    const auto type = roofline::getRooflineTypeFromOpsType(engine->getPoint().operationsType);
-    const auto& first = *configurations.begin();
-    const bool fits =
-        first.hasType(type) || first.hasType(roofline::getRooflineTypeFromOpsType(OperationsType::Mixed));
-    if (fits) return engine->getBotteleneckVariantBag({describeLimit(*engine)});
-    const std::string group = roofline::translate("roofline_options_operations_caption");
-    return engine->getBotteleneckVariantBag(
-        {roofline::translate("roofline_bottleneck_wrong_configuration_general"),
-         roofline::translate("roofline_bottleneck_wrong_configuration_details", group,
-                             m_core.options()->getOptionCaption(type))});
+    if (isAboveAllRoofs(*engine)) {
+        roofline::helpers::BottleneckWidget widget;
+        widget.addMessage(roofline::translate("roofline_bottleneck_above_roofs"));
+        return widget.get();
+    }
+    const auto messages = describeLimit(*configurations.begin(), *engine);
+    const bool hasOnlyTotal = engine->isValid() && !engine->areMemLevelMetricsAvailable();
+    return hasOnlyTotal ? drawTotalLimit(*engine, messages) : engine->getBotteleneckVariantBag(messages);
+}
+
+std::vector<std::string> LoopDetails::describeLimit(const RooflineConfiguration& configuration,
+                                                    const CRowRooflineEngine& engine) const {
+    using roofline::getRooflineTypeFromOpsType;
+    using roofline::translate;
+    const auto type = getRooflineTypeFromOpsType(engine.getPoint().operationsType);
+    if (configuration.hasType(type) ||
+        configuration.hasType(getRooflineTypeFromOpsType(OperationsType::Mixed)))
+        return {describeLimit(engine)};
+    return {translate("roofline_bottleneck_wrong_configuration_general"),
+            translate("roofline_bottleneck_wrong_configuration_details",
+                      translate("roofline_options_operations_caption"),
+                      m_core.options()->getOptionCaption(type))};
 }
 
 std::string LoopDetails::describeLimit(const CRowRooflineEngine& engine) const {

@@ -6,6 +6,7 @@
 #include "roofline_model/engine_core.h"
 
 #include <boost/property_tree/ptree.hpp>
+
 #include <memory>
 #include <string>
 
@@ -19,7 +20,6 @@ struct LoopAdditionalInfoParams {
     sptr_t<IDataset> dataset;
     std::shared_ptr<IRoofManager> roofManager;
     RooflineConfigurations configurations;
-    variant_bag_t bag;
     RoofThreadingFeatures features;
 };
 
@@ -53,6 +53,9 @@ private:
     variant_bag_t getBottleneck(const RooflineConfigurations& configurations,
                                 const std::shared_ptr<CRowRooflineEngine>& engine,
                                 const CpuRowRooflineHelper& helper) const;
+    // What limits the row, or how the configuration must change to tell.
+    std::vector<std::string> describeLimit(const RooflineConfiguration& configuration,
+                                           const CRowRooflineEngine& engine) const;
     std::string describeLimit(const CRowRooflineEngine& engine) const;
     variant_bag_t getThreads(const RoofThreadingFeatures& features) const;
 

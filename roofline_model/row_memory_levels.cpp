@@ -7,7 +7,6 @@
 #include "roofline_model/row_roofline_engine.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
 namespace data_models2 {

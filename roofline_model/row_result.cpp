@@ -117,6 +117,7 @@ std::shared_ptr<BottleneckWidget> CRowRooflineEngine::getBottleneck() const {
         const auto point =
             std::find_if(m_memLevelPoints.begin(), m_memLevelPoints.end(),
                          [&roof](const RooflinePoint& p) { return p.limitingRoofId == roof.id; });
+        // Without a bound every point matches its id 0: the name tells.
         if (point == m_memLevelPoints.end() || roof.name.empty()) {
             widget->addMessage(translate("roofline_bottleneck_general_error"));
             return widget;

@@ -116,7 +116,7 @@ const RoofItem* CRowRooflineEngine::findComputeRoof(OperationsType type) const {
 // A tie at the ridge and a point on a memory roof go to the memory roof.
 void CRowRooflineEngine::findLimitingRoof() {
     const RoofItem* compute = findComputeRoof(m_point.operationsType);
-    if (!compute) return;
+    if (!compute || !(m_point.ai > 0.0)) return;
     const double bandwidth =
         m_point.performance / m_point.ai * kGiga;  // bytes per second that the row reaches
     const auto memory = std::find_if(
@@ -132,8 +132,11 @@ void CRowRooflineEngine::findLimitingRoof() {
 }
 
 RoofItem CRowRooflineEngine::getComputeRoof(OperationsType type) const {
-    const RoofItem* roof = findComputeRoof(type == OperationsType::Undefined ? m_point.operationsType : type);
-    return roof ? *roof : RoofItem();
+    return roofline::guarded(RoofItem(), [&] {
+        const RoofItem* roof =
+            findComputeRoof(type == OperationsType::Undefined ? m_point.operationsType : type);
+        return roof ? *roof : RoofItem();
+    });
 }
 
 bool CRowRooflineEngine::isValid() const {

@@ -43,7 +43,7 @@ public:
     std::string getRooflineData() const override;
     void extendMemoryRoofs(std::vector<RoofItem>& roofs) const override;
 
-    // What limits the row at its memory levels, drawn and told.
+    // What limits the row at its memory levels, drawn and told; null only when the work failed.
     std::shared_ptr<roofline::helpers::BottleneckWidget> getBottleneck() const;
     // Empty when the row isn't valid.
     std::vector<RooflineConclusion> getRooflineConclusions() const;

@@ -220,7 +220,8 @@ TEST(RowResult, NothingBreaksWithoutOwnerArgumentsOrAnswers) {
         EXPECT_TRUE(engine->getMemoryMetricsVariantBag().empty());
     }
     EXPECT_FALSE(parse(empty->getRooflineData()).HasMember("conclusions"));
-    EXPECT_EQ(throwing->getRooflineData(), "");
+    EXPECT_FALSE(throwing->isValid());
+    EXPECT_TRUE(parse(throwing->getRooflineData()).HasMember("rooflineState"));
     EXPECT_TRUE(throwing->getBotteleneckVariantBag({}).empty());
     const CRowRooflineEngine unowned(nullptr, nullptr, nullptr);
     EXPECT_EQ(unowned.getRooflineData(), "");

@@ -62,16 +62,6 @@ private:
     DataType m_type;
 };
 
-// What a test says of its row; gigabytes per second and giga operations per second.
-struct RowCase {
-    Cells cells;
-    DataType type = DataType::Cpu;
-    std::map<MemoryLevel, double> traffic;  // empty: no memory-level metrics
-    bool isAccepted = true;
-    bool isBoundByFactor = false;  // another bound takes the limiting roof's place
-    bool isThrowing = false;
-};
-
 inline RoofItem makeRoof(RoofId id, const char* name, std::uint64_t giga, MemoryLevel level,
                          ArithTypeExtDef type = ArithTypeExtDef::None) {
     RoofItem roof;
@@ -84,6 +74,26 @@ inline RoofItem makeRoof(RoofId id, const char* name, std::uint64_t giga, Memory
     return roof;
 }
 
+// What a test says of its row; gigabytes per second and giga operations per second.
+struct RowCase {
+    Cells cells = {};
+    DataType type = DataType::Cpu;
+    std::map<MemoryLevel, double> traffic = {};  // empty: no memory-level metrics
+    bool isAccepted = true;
+    bool isBoundByFactor = false;  // another bound takes the limiting roof's place
+    bool isThrowing = false;
+    std::map<MemoryLevel, unsigned> levelNumbers = {};  // where they aren't the levels' own
+    std::vector<RoofItem> memoryRoofs = {
+        makeRoof(RoofId::DramBandwidth, "DRAM Bandwidth", 20, MemoryLevel::Dram),
+        makeRoof(RoofId::L3Bandwidth, "L3 Bandwidth", 150, MemoryLevel::L3),
+        makeRoof(RoofId::L2Bandwidth, "L2 Bandwidth", 400, MemoryLevel::L2),
+        makeRoof(RoofId::L1Bandwidth, "L1 Bandwidth", 800, MemoryLevel::L1)};
+    std::vector<RoofItem> computeRoofs = {
+        makeRoof(RoofId::ScalarAddPeak, "Scalar Add Peak", 100, MemoryLevel::None, ArithTypeExtDef::Float64),
+        makeRoof(RoofId::IntScalarAddPeak, "Integer Scalar Add Peak", 50, MemoryLevel::None,
+                 ArithTypeExtDef::Int32)};
+};
+
 class Strategy final : public IRowRooflineHelper {
 public:
     explicit Strategy(RowCase setup) : m_setup(std::move(setup)) {}
@@ -94,16 +104,13 @@ public:
     }
     bool areMemLevelMetricsCollected() const override { return !m_setup.traffic.empty(); }
     void findRoofs(std::vector<RoofItem>& memory, std::vector<RoofItem>& compute) const override {
-        memory = {makeRoof(RoofId::DramBandwidth, "DRAM Bandwidth", 20, MemoryLevel::Dram),
-                  makeRoof(RoofId::L3Bandwidth, "L3 Bandwidth", 150, MemoryLevel::L3),
-                  makeRoof(RoofId::L2Bandwidth, "L2 Bandwidth", 400, MemoryLevel::L2),
-                  makeRoof(RoofId::L1Bandwidth, "L1 Bandwidth", 800, MemoryLevel::L1)};
-        compute = {makeRoof(RoofId::ScalarAddPeak, "Scalar Add Peak", 100, MemoryLevel::None,
-                            ArithTypeExtDef::Float64),
-                   makeRoof(RoofId::IntScalarAddPeak, "Integer Scalar Add Peak", 50, MemoryLevel::None,
-                            ArithTypeExtDef::Int32)};
+        memory = m_setup.memoryRoofs;
+        compute = m_setup.computeRoofs;
     }
-    unsigned getMemoryLevelNumber(MemoryLevel level) const override { return static_cast<unsigned>(level); }
+    unsigned getMemoryLevelNumber(MemoryLevel level) const override {
+        const auto number = m_setup.levelNumbers.find(level);
+        return number == m_setup.levelNumbers.end() ? static_cast<unsigned>(level) : number->second;
+    }
     ValueGetter getTrafficGetter(MemoryLevel level, bool) const override {
         return m_setup.traffic.count(level) ? fakeGetter(m_setup.traffic.at(level)) : nullptr;
     }

@@ -1,0 +1,397 @@
+// Which point a row has and which roof limits it, against naive models of both verdicts.
+#include "embedded_host/embedded_host.h"
+
+#include "tests/roofline_model/row_test_host.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+namespace data_models2 {
+namespace {
+
+using namespace row_test;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kStep = 1e-9;
+
+// Heights of roofs in giga units a second. Powers of two keep every tie exact in both the model and the
+// engine.
+struct Machine {
+    double compute = 64.0;
+    std::map<MemoryLevel, double> memory{
+        {MemoryLevel::L1, 32.0}, {MemoryLevel::L2, 16.0}, {MemoryLevel::L3, 16.0}, {MemoryLevel::Dram, 8.0}};
+};
+
+struct Verdict {
+    std::string roof;
+    double height = 0.0;
+    int point = -1;  // of a memory-level verdict: which point it is for
+
+    bool operator==(const Verdict& other) const {
+        const bool isSame = height == other.height || (std::isnan(height) && std::isnan(other.height)) ||
+                            std::abs(height - other.height) <= 1e-12 * std::abs(height);
+        return roof == other.roof && isSame && point == other.point;
+    }
+    friend std::ostream& operator<<(std::ostream& out, const Verdict& v) {
+        return out << "'" << v.roof << "' at " << v.height << " of point " << v.point;
+    }
+};
+
+std::string nameOf(MemoryLevel level) { return "memory " + std::to_string(static_cast<int>(level)); }
+
+RoofItem roofOf(RoofId id, const std::string& name, double giga, MemoryLevel level, ArithTypeExtDef type) {
+    RoofItem roof = makeRoof(id, name.c_str(), 0, level, type);
+    roof.value = static_cast<std::uint64_t>(std::llround(giga * 1e9));
+    return roof;
+}
+
+RowCase rowOn(const Machine& machine, double performance, double ai) {
+    RowCase row{.cells = {{FieldId::SelfGFlops, performance},
+                          {FieldId::SelfFloatAi, ai},
+                          {FieldId::SelfFloatOps, 1.0},
+                          {FieldId::SelfIntOps, 0.0}}};
+    row.memoryRoofs.clear();
+    for (const auto& [level, giga] : machine.memory)
+        row.memoryRoofs.push_back(
+            roofOf(static_cast<RoofId>(level), nameOf(level), giga, level, ArithTypeExtDef::None));
+    std::stable_sort(row.memoryRoofs.begin(), row.memoryRoofs.end(),
+                     [](const RoofItem& a, const RoofItem& b) { return a.value < b.value; });
+    row.computeRoofs = {
+        roofOf(RoofId::IntScalarAddPeak, "int", 1.0, MemoryLevel::None, ArithTypeExtDef::Int32),
+        roofOf(RoofId::ScalarAddPeak, "compute", machine.compute, MemoryLevel::None,
+               ArithTypeExtDef::Float64),
+        roofOf(RoofId::DpVectorAddPeak, "second", 1.0, MemoryLevel::None, ArithTypeExtDef::Float64)};
+    return row;
+}
+
+Verdict verdictOf(const CRowRooflineEngine& engine, bool total) {
+    const LimitingRoof roof = engine.getLimitingRoof(total);
+    Verdict verdict{roof.name, roof.limitValue, -1};
+    const auto points = engine.getMemLevelPoints();
+    for (int i = 0; !total && i < static_cast<int>(points.size()); ++i)
+        if (points[i].limitingRoofId != RoofId::None) {
+            EXPECT_EQ(verdict.point, -1) << "two points are limited";
+            EXPECT_EQ(points[i].limitingRoofId, roof.id);
+            verdict.point = i;
+        }
+    EXPECT_EQ(roof.boundCategory == BoundCategory::None, roof.name.empty());
+    return verdict;
+}
+
+// The lowest memory roof that isn't below the point, or the compute roof when it's above the point and lower
+// there.
+Verdict totalModel(const Machine& machine, double performance, double ai) {
+    std::optional<MemoryLevel> lowest;
+    for (const auto& [level, giga] : machine.memory)
+        if (ai > 0.0 && giga * ai >= performance && (!lowest || giga < machine.memory.at(*lowest)))
+            lowest = level;
+    if (!lowest) return {};
+    const double height = machine.memory.at(*lowest) * ai;
+    if (machine.compute > performance && machine.compute < height) return {"compute", machine.compute};
+    return {nameOf(*lowest), height};
+}
+
+// Of the ceilings over each level's point the lowest that is truly above the row's performance.
+Verdict levelModel(const Machine& machine, double performance, const std::map<MemoryLevel, double>& ai) {
+    Verdict nearest;
+    int index = 0;
+    for (const auto& [level, intensity] : ai) {
+        const double memory = machine.memory.at(level) * intensity;
+        const bool isCompute = machine.compute > performance && machine.compute < memory;
+        const Verdict ceiling{isCompute ? "compute" : nameOf(level), isCompute ? machine.compute : memory,
+                              index++};
+        const bool isAbove = ceiling.height - performance > 1e-12;
+        if (isAbove && (nearest.point < 0 || ceiling.height < nearest.height)) nearest = ceiling;
+    }
+    return nearest;
+}
+
+std::vector<double> around(double value) { return {value * (1.0 - kStep), value, value * (1.0 + kStep)}; }
+
+TEST(RowEngine, LimitingRoofAroundEveryRidgeAndRoof) {
+    for (const double compute : {64.0, 16.0, 0.0}) {
+        for (const double dram : {8.0, 32.0, 0.0}) {
+            Machine machine{.compute = compute};
+            machine.memory[MemoryLevel::Dram] = dram;
+            std::vector<double> intensities{0.0, -0.0, 0.125, 128.0};
+            for (const double ridge : {1.0, 2.0, 4.0, 8.0})
+                for (const double ai : around(ridge)) intensities.push_back(ai);
+            for (const double ai : intensities) {
+                std::vector<double> heights{0.0, -0.0};
+                for (const double roof : {compute, dram * ai, 32.0 * ai, 16.0 * ai})
+                    for (const double height : around(roof)) heights.push_back(height);
+                for (const double performance : heights) {
+                    const auto engine = makeEngine(rowOn(machine, performance, ai));
+                    const auto expected = totalModel(machine, performance, ai);
+                    ASSERT_EQ(verdictOf(*engine, true), expected)
+                        << performance << " at " << ai << ", roofs " << compute << " and " << dram;
+                    ASSERT_EQ(engine->isValid(), !expected.roof.empty());
+                }
+            }
+        }
+    }
+}
+
+TEST(RowEngine, NearestRoofOfLevelsAroundEveryRidgeAndRoof) {
+    const std::vector<MemoryLevel> levels{MemoryLevel::L1, MemoryLevel::L2, MemoryLevel::Dram};
+    Machine machine;
+    machine.memory.erase(MemoryLevel::L3);
+    std::vector<double> traffics{1.0, 0.0625};
+    for (const double ridge : {0.5, 0.25, 0.125})
+        for (const double traffic : around(ridge)) traffics.push_back(traffic);
+    for (const double l1 : traffics)
+        for (const double l2 : traffics)
+            for (const double dram : traffics) {
+                RowCase row = rowOn(machine, 0.0, 1.0);
+                row.traffic = {{levels[0], l1}, {levels[1], l2}, {levels[2], dram}};
+                std::map<MemoryLevel, double> ai;
+                for (const auto& [level, traffic] : row.traffic) ai[level] = 1.0 / traffic;
+                std::vector<double> heights{0.0, 64.0, 64.0 * (1.0 - kStep)};
+                for (const auto level : levels)
+                    for (const double height : around(machine.memory[level] * ai[level]))
+                        heights.push_back(height);
+                for (const double performance : heights) {
+                    row.cells[FieldId::SelfGFlops] = performance;
+                    ASSERT_EQ(verdictOf(*makeEngine(row), false), levelModel(machine, performance, ai))
+                        << performance << " at " << ai[levels[0]] << " " << ai[levels[1]] << " "
+                        << ai[levels[2]];
+                }
+            }
+}
+
+double positive(int most) { return *rc::gen::inRange(1, most) / 1000.0; }
+
+bool isClose(double a, double b) { return std::abs(a - b) <= 1e-9 * std::abs(a); }
+
+TEST(RowEngine, BothVerdictsAndTheTablesOfRandomRows) {
+    const auto isRight = rc::check("verdicts and tables", [] {
+        Machine machine{.compute = positive(200'000)};
+        RowCase row;
+        const double performance = positive(200'000);
+        const double ai = positive(50'000);
+        std::map<MemoryLevel, double> intensities;
+        for (auto& [level, giga] : machine.memory) giga = positive(400'000);
+        row = rowOn(machine, performance, ai);
+        const double operations = positive(50'000);
+        row.cells[FieldId::SelfFloatOps] = operations;
+        for (const auto& [level, giga] : machine.memory) {
+            row.traffic[level] = positive(50'000);
+            intensities[level] = operations / row.traffic[level];
+            for (const double i : {ai, intensities[level]})
+                for (const double height : {performance, machine.compute}) RC_PRE(!isClose(giga * i, height));
+        }
+        RC_PRE(!isClose(performance, machine.compute));
+        const auto engine = makeEngine(row);
+        RC_ASSERT(verdictOf(*engine, true) == totalModel(machine, performance, ai));
+        RC_ASSERT(verdictOf(*engine, false) == levelModel(machine, performance, intensities));
+
+        double most = 0.0;
+        double time = 0.0;
+        std::map<MemoryLevel, double> times;
+        for (const auto& [level, traffic] : row.traffic) {
+            most = std::max(most, traffic);
+            if (performance >= machine.memory[level] * intensities[level]) continue;
+            time += times[level] = traffic / machine.memory[level];
+        }
+        using Table = RooflineMemoryValuesType;
+        double sum = 0.0;
+        const auto shares = engine->getMemoryValues(Table::Time);
+        RC_ASSERT(shares.size() == times.size());
+        for (const auto& share : shares) {
+            RC_ASSERT(std::abs(share.value - times.at(share.memoryLevel) / time * 100.0) < 1e-6);
+            RC_ASSERT(share.text == std::to_string(static_cast<int>(share.value)));
+            sum += share.value;
+        }
+        RC_ASSERT(shares.empty() || std::abs(sum - 100.0) < 1e-9);
+        for (const auto& value : engine->getMemoryValues(Table::Utilization)) {
+            const double height = machine.memory[value.memoryLevel] * intensities[value.memoryLevel];
+            RC_ASSERT(std::abs(value.value - performance / height * 100.0) < 1e-6);
+        }
+        const auto traffic = engine->getMemoryValues(Table::Traffic);
+        RC_ASSERT(traffic.size() == 4u);
+        for (const auto& value : traffic)
+            RC_ASSERT(isClose(value.value, row.traffic[value.memoryLevel] / most * 100.0));
+    });
+    EXPECT_TRUE(isRight);
+}
+
+TEST(RowEngine, NumbersThatAreNotFiniteOrNotPositive) {
+    const std::tuple<double, double, Verdict> rows[]{
+        {1.0, kInfinity, {"compute", 64.0}},
+        {64.0, kInfinity, {"memory 6", kInfinity}},
+        {kInfinity, kInfinity, {}},
+        {kInfinity, 1.0, {}},
+        {kNan, 1.0, {}},
+        {1.0, kNan, {}},
+        {0.0, 0.0, {}},
+        {-1.0, -1.0, {}},
+        {-1.0, 0.0, {}},
+        {-1.0, 1.0, {"memory 6", 8.0}},
+        {0.0, 5e-324, {"memory 6", 8.0 * 5e-324}},
+    };
+    for (const auto& [performance, ai, expected] : rows)
+        EXPECT_EQ(verdictOf(*makeEngine(rowOn({}, performance, ai)), true), expected)
+            << performance << " at " << ai;
+}
+
+TEST(RowEngine, WhatIsNoTrafficMakesNoPointAndNoTable) {
+    struct Level {
+        const char* name;
+        double traffic, operations;
+        bool isPoint, isTable;
+    };
+    const Level rows[]{
+        {"plain", 1.0, 1.0, true, true},
+        {"no traffic", 0.0, 1.0, false, false},
+        {"traffic at the bound", 1e-12, 1.0, false, false},
+        {"traffic above the bound", 2e-12, 1.0, true, true},
+        {"intensity at the bound", 1.0, 1e-12, false, false},
+        {"negative", -1.0, 1.0, false, false},
+        {"not a number", kNan, 1.0, false, false},
+        {"no operations", 1.0, kNan, false, false},
+        {"infinite", kInfinity, 1.0, false, false},
+    };
+    for (const auto& [name, traffic, operations, isPoint, isTable] : rows) {
+        RowCase row = rowOn({}, 1.0, 1.0);
+        row.traffic = {{MemoryLevel::L1, traffic}};
+        row.cells[FieldId::SelfFloatOps] = operations;
+        const auto engine = makeEngine(row);
+        EXPECT_TRUE(engine->areMemLevelMetricsAvailable()) << name;
+        EXPECT_EQ(engine->getMemLevelPoints().size() == 1, isPoint) << name;
+        EXPECT_EQ(engine->getMemoryValues(RooflineMemoryValuesType::Traffic).size() == 1, isTable) << name;
+    }
+}
+
+TEST(RowEngine, ChoosesThePoint) {
+    using Field = FieldId;
+    const Cells total{{Field::TotalGFlops, 1.0}, {Field::TotalFloatAi, 2.0}};
+    const Cells totalInt{{Field::TotalGIntOps, 3.0}, {Field::TotalIntAi, 4.0}};
+    const Cells self{{Field::SelfGFlops, 5.0}, {Field::SelfFloatAi, 6.0}};
+    const Cells selfInt{{Field::SelfGIntOps, 7.0}, {Field::SelfIntAi, 8.0}};
+    const auto counts = [](Field floats, double f, Field ints, double i) {
+        return Cells{{floats, f}, {ints, i}};
+    };
+    const auto totals = [&](double f, double i) {
+        return counts(Field::TotalFloatOps, f, Field::TotalIntOps, i);
+    };
+    const auto selves = [&](double f, double i) {
+        return counts(Field::SelfFloatOps, f, Field::SelfIntOps, i);
+    };
+    struct Case {
+        const char* name;
+        std::vector<Cells> cells;
+        OperationsType type;
+        double performance, ai;
+        bool isTotal;
+    };
+    constexpr auto kFloat = OperationsType::Float;
+    constexpr auto kInt = OperationsType::Int;
+    constexpr auto kNone = OperationsType::Undefined;
+    const Case cases[]{
+        {"nothing", {}, kNone, 0, 0, false},
+        {"self float", {self}, kFloat, 5, 6, false},
+        {"self int", {selfInt}, kInt, 7, 8, false},
+        {"total before self", {total, self, selfInt, selves(0, 9)}, kFloat, 1, 2, true},
+        {"total int before self float", {totalInt, self}, kInt, 3, 4, true},
+        {"halves of two sets",
+         {{{Field::TotalGFlops, 1.0}}, {{Field::SelfFloatAi, 6.0}}},
+         kNone,
+         0,
+         0,
+         false},
+        {"halves of two kinds", {{{Field::SelfGFlops, 1.0}}, {{Field::SelfIntAi, 6.0}}}, kNone, 0, 0, false},
+        {"half a total", {{{Field::TotalGFlops, 1.0}}, self}, kFloat, 5, 6, false},
+        {"equal counts", {self, selfInt, selves(10, 10)}, kFloat, 5, 6, false},
+        {"more int", {self, selfInt, selves(10, 11)}, kInt, 7, 8, false},
+        {"more float", {self, selfInt, selves(11, 10)}, kFloat, 5, 6, false},
+        {"no counts", {self, selfInt}, kFloat, 5, 6, false},
+        {"no number", {self, selfInt, selves(kNan, 10)}, kFloat, 5, 6, false},
+        {"total by total counts", {total, totalInt, totals(1, 2), selves(2, 1)}, kInt, 3, 4, true},
+        {"self keeps total counts", {self, selfInt, totals(1, 2)}, kInt, 7, 8, false},
+        {"self keeps one total count",
+         {self, selfInt, totals(1, 2), {{Field::SelfIntOps, 1.0}}},
+         kFloat,
+         5,
+         6,
+         false},
+        {"self counts replace", {self, selfInt, totals(1, 2), selves(2, 1)}, kFloat, 5, 6, false},
+        {"a text is there as 0",
+         {{{Field::SelfGFlops, "x"}, {Field::SelfFloatAi, 6.0}}},
+         kFloat,
+         0,
+         6,
+         false},
+        {"an integer is a number", {{{Field::SelfGFlops, 5}, {Field::SelfFloatAi, 6U}}}, kFloat, 5, 6, false},
+    };
+    for (const auto& [name, parts, type, performance, ai, isTotal] : cases) {
+        RowCase row;
+        for (const auto& part : parts) row.cells.insert(part.begin(), part.end());
+        const auto engine = makeEngine(row);
+        const auto point = engine->getPoint();
+        EXPECT_EQ(point.operationsType, type) << name;
+        EXPECT_EQ(point.performance, performance) << name;
+        EXPECT_EQ(point.ai, ai) << name;
+        EXPECT_EQ(engine->areTotalMetricsAvailable(), isTotal) << name;
+        EXPECT_EQ(engine->getComputeRoof(OperationsType::Undefined).name, engine->getComputeRoof(type).name)
+            << name;
+    }
+}
+
+TEST(RowEngine, LevelsOfOneNumberKeepTheirOrderAndTheRestAscend) {
+    RowCase row = rowOn({}, 1.0, 1.0);
+    for (const auto& roof : row.memoryRoofs) row.traffic[roof.memoryLevel] = 1.0;
+    const auto order = [&](std::map<MemoryLevel, unsigned> numbers) {
+        row.levelNumbers = std::move(numbers);
+        std::string levels;
+        for (const auto& point : makeEngine(row)->getMemLevelPoints())
+            levels += std::to_string(static_cast<int>(point.memoryLevel));
+        return levels;
+    };
+    using Level = MemoryLevel;
+    EXPECT_EQ(order({{Level::L1, 5}, {Level::L2, 5}, {Level::L3, 5}, {Level::Dram, 5}}), "1236");
+    EXPECT_EQ(order({{Level::L1, 9}, {Level::L2, 8}, {Level::L3, 7}}), "6321");
+    EXPECT_EQ(order({{Level::L1, 9}, {Level::L3, 9}}), "2613");
+}
+
+TEST(RowEngine, ARoofOfTheOtherKindLimitsNothing) {
+    RowCase row = rowOn({}, 1.0, 1.0);
+    row.traffic = {{MemoryLevel::L1, 1.0}};
+    row.computeRoofs.resize(1);
+    const auto engine = makeEngine(row);
+    for (const bool total : {true, false}) EXPECT_EQ(verdictOf(*engine, total), Verdict());
+    EXPECT_FALSE(engine->isValid());
+    EXPECT_EQ(engine->getComputeRoof(OperationsType::Float).id, RoofId::None);
+    EXPECT_EQ(engine->getComputeRoof(OperationsType::Int).name, "int");
+}
+
+TEST(RowEngine, EachNullArgumentIsAssertedAndSurvived) {
+    for (int nulls = 1; nulls < 8; ++nulls) {
+        std::vector<std::string> expected;
+        for (int i = 0; i < 3; ++i)
+            if (nulls & 1 << i) expected.push_back(std::array{"m_row", "m_dataset", "m_helper"}[i]);
+        std::vector<std::string> asserted;
+        embedded_host::setAssertionHandler(
+            [&](const std::string& expression, const std::string&, int) { asserted.push_back(expression); });
+        const RowCase setup = rowOn({}, 1.0, 1.0);
+        const CRowRooflineEngine engine(nulls & 1 ? nullptr : new Row,
+                                        nulls & 2 ? nullptr : new OneRow(setup.cells, setup.type),
+                                        nulls & 4 ? nullptr : std::make_shared<Strategy>(setup));
+        embedded_host::setAssertionHandler({});
+        EXPECT_EQ(asserted, expected);
+        EXPECT_FALSE(engine.isValid());
+        EXPECT_EQ(engine.getPoint().operationsType, OperationsType::Undefined);
+        std::vector<RoofItem> roofs;
+        engine.extendMemoryRoofs(roofs);
+        EXPECT_TRUE(roofs.empty() && engine.getMemoryRoofs().empty());
+    }
+}
+
+}  // namespace
+}  // namespace data_models2
