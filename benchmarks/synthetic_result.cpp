@@ -15,8 +15,8 @@ public:
     explicit Writer(const SyntheticShape& shape) : m_shape(shape) {}
 
     std::string write() {
-        m_text =
-            R"({"format":"roofline-result","version":1,"kind":"cpu","program":{"name":"synthetic","usedThreads":4})";
+        m_text = R"({"format":"roofline-result","version":1,"kind":"cpu",)"
+                 R"("program":{"name":"synthetic","usedThreads":4})";
         if (m_shape.levels) m_text += R"(,"levels":["L1","L2","L3","DRAM"])";
         m_text += R"(,"rows":[)";
         for (bool first = true; m_rows < m_shape.rows; first = false) writeRow(first, m_shape.depth);
@@ -28,9 +28,9 @@ private:
 
     void writeRow(bool first, int depth) {
         const auto id = ++m_rows;
-        append(
-            R"({}{{"id":{},"kind":"loop","cells":{{"FunctionName":"kernel_{} in solve_{}","Location":"src/file_{}.cpp:{}",)",
-            first ? "" : ",\n", id, id, id % 97, id % 31, id % 1000);
+        append(R"({}{{"id":{},"kind":"loop","cells":{{"FunctionName":"kernel_{} in solve_{}",)"
+               R"("Location":"src/file_{}.cpp:{}",)",
+               first ? "" : ",\n", id, id, id % 97, id % 31, id % 1000);
         append(R"("LoopType":"{}","Vectorized":{},"SelfElapsedTime":{},"SelfFloatOps":{},"SelfIntOps":{})",
                id % 3 ? "Scalar" : "Vectorized", id % 2, random(), random() * 10.0, random());
         if (m_shape.levels) {
