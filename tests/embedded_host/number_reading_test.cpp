@@ -1,3 +1,4 @@
+// Numbers of a file become the nearest doubles, in whatever form they stand.
 #include "host_interfaces/model.h"
 
 #include "embedded_host/embedded_host.h"
@@ -12,10 +13,9 @@ using namespace data_models2;
 
 // The value of a cell that stands in a file as `number`.
 double readNumber(const std::string& number) {
-    const auto result = embedded_host::parseResult(
-        R"({"format": "roofline-result", "version": 1, "kind": "cpu", "rows": [{"id": 1, "cells": {"SelfTime": )" +
-            number + "}}]}",
-        "numbers.json");
+    const std::string start = R"({"format": "roofline-result", "version": 1, "kind": "cpu",)";
+    const std::string row = R"("rows": [{"id": 1, "cells": {"SelfTime": )" + number + "}}]}";
+    const auto result = embedded_host::parseResult(start + row, "numbers.json");
     const auto dataset = result->viewModel()->getDataset(DataType::Cpu);
     variant_t cell;
     EXPECT_TRUE(dataset->getValue(*dataset->getRows(0), dataset->getColumn(FieldId::SelfTime), 0, cell))

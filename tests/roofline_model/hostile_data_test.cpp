@@ -1,0 +1,229 @@
+// Every operation over sparse, huge, missing and hostile data: each answer parses and no exception leaves.
+#include "roofline_model/factories.h"
+
+#include "tests/roofline_model/test_host.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace data_models2 {
+
+struct ComparisonData {};  // a host knows it by name only
+
+namespace test {
+namespace {
+
+// What no operation should take badly; the kinds that a field usually has come first.
+const std::vector<variant_t>& hostileValues() {
+    static const std::vector<variant_t> values{
+        1.0,
+        100.0,
+        "name",
+        7u,
+        0.0,
+        -1.0,
+        1e-300,
+        std::numeric_limits<double>::max(),
+        std::nan(""),
+        HUGE_VAL,
+        -HUGE_VAL,
+        "",
+        "\"\\'\n\x01\x7F%1%%",
+        std::string("a\0b", 3),
+        "\xFF\xC3('",
+        std::string(10'000, '\''),
+        variant_t::literal("it's"),
+        std::numeric_limits<std::int64_t>::min(),
+        std::numeric_limits<std::uint64_t>::max(),
+        -1,
+        true,
+        false,
+        1e30f,
+        variant_t(),
+        variant_t::object(new SharedText("object")),
+    };
+    return values;
+}
+
+Table hostileTable() {
+    Table table;
+    table.type = static_cast<DataType>(*rc::gen::element(1, 2, 27, 28, 35, 0, -7));
+    if (pick(0, 10) == 0) table.readsBeforeThrow = pick(0, 300);
+    const int friendliness = *rc::gen::element(0, 2, 10, 50);
+    for (int count = *rc::gen::element(0, 1, 3, 20); count > 0; --count) {
+        TestRow row;
+        row.parent = pick(-1, static_cast<int>(table.rows.size()));
+        row.isNull = pick(0, 15) == 0;
+        row.object = static_cast<std::uint64_t>(pick(0, 4));
+        row.type =
+            *rc::gen::element<std::uint64_t>(0, 0, 0x100, 0x400, ~std::uint64_t{0xE}, 0x4, ~std::uint64_t{0});
+        if (pick(0, 10) == 0) row.type.reset();
+        for (const auto& field : kFields) {
+            const bool isUsual = pick(0, friendliness + 1);
+            if (isUsual && field.type == FieldType::Double)
+                row.cells[field.id] = hostileValues()[pick(0, 2)];
+            else if (pick(0, 3))
+                row.cells[field.id] = *rc::gen::elementOf(hostileValues());
+        }
+        table.rows.push_back(row);
+    }
+    return table;
+}
+
+RoofItem hostileRoof() {
+    return {.id = static_cast<RoofId>(*rc::gen::arbitrary<int>()),
+            .name = std::string((*rc::gen::elementOf(hostileValues())).text()),
+            .value = *rc::gen::arbitrary<std::uint64_t>(),
+            .typeBits = *rc::gen::arbitrary<std::uint64_t>(),
+            .memoryLevel = static_cast<MemoryLevel>(*rc::gen::arbitrary<std::uint64_t>()),
+            .roofOpType = {},
+            .arithType = static_cast<ArithTypeExtDef>(*rc::gen::arbitrary<std::uint32_t>())};
+}
+
+// Machines of a few thousand cores at most: an answer grows with them.
+std::shared_ptr<ViewModel> hostileViewModel() {
+    const auto dataset = [] { return pick(0, 5) ? sptr_t<IDataset>(new Dataset(hostileTable())) : nullptr; };
+    const auto self = dataset();
+    auto viewModel = makeViewModel(self, pick(0, 3) ? dataset() : self, *rc::gen::element(0, 1, 2, 5, 1000));
+    const auto count = [] { return *rc::gen::element(0, 1, 8, 64, -3, std::numeric_limits<int>::min()); };
+    viewModel->physical = count();
+    viewModel->logical = count();
+    viewModel->packages = count();
+    viewModel->used = count();
+    viewModel->elapsedTime = (*rc::gen::elementOf(hostileValues())).toDouble();
+    if (pick(0, 4)) {
+        const auto roofs = std::make_shared<RoofTable>();
+        for (int i = pick(0, 4); i > 0; --i) roofs->roofs.push_back(hostileRoof());
+        viewModel->roofs = roofs;
+    }
+    viewModel->throws = pick(0, 5) == 0;
+    return viewModel;
+}
+
+// The first answer that is no empty text and doesn't parse, or the exception that left; empty when all is
+// well.
+std::string sweep(IRooflineInfo& engine, const std::vector<sptr_t<IDataset>>& datasets,
+                  const std::string& configuration) {
+    std::string fault;
+    const auto check = [&fault](const char* operation, const std::string& answer) {
+        if (fault.empty() && !answer.empty())
+            if (const auto what = faultOf(answer); !what.empty()) fault = operation + (": " + what);
+    };
+    try {
+        check("options", engine.getRooflineOptions());
+        check("threads", engine.getThreadsInfo());
+        for (const auto& first : datasets) {
+            check("data", engine.getRooflineData(first, configuration));
+            check("both data", engine.getRooflineData(first, *rc::gen::elementOf(datasets), configuration));
+        }
+        for (const int number : {1, 2, 3, 77, -1}) {
+            const auto perspective = static_cast<IRooflineInfo::Perspective>(number);
+            const auto strategy = static_cast<RoofThreadingFeatures::Strategy>(number);
+            check("roofs", engine.getRoofs(configuration, {number, strategy, -1}, perspective));
+            check("selected", engine.getSelectedRoofs(configuration, perspective));
+        }
+        check("all roofs", engine.getAllRoofs(configuration));
+        check("loops", engine.getLoopAdditionalInfo(configuration, nullptr, configuration));
+        check("comparison", engine.getComparisonData({}, configuration, configuration));
+        engine.getRooflineConfigurationStr({configuration, "i", ""});
+        for (const auto& dataset : datasets) {
+            std::vector<sptr_t<RowNode>> rows{nullptr};
+            if (dataset) rows = rowsOf(dataset);
+            for (const auto& row : rows) {
+                engine.getDominatingOperationType(row);
+                engine.getDominatingFloatType(row);
+                engine.getDominatingIntType(row);
+            }
+        }
+        for (const auto type : {DataType::None, DataType::Cpu, static_cast<DataType>(-1)})
+            engine.clearHighlighting(type);
+        engine.loadSummaryData(0, {});  // another kind with an empty callback is the one call that throws
+        for (const int kind : {0, 1, -1})
+            engine.loadSummaryData(kind, [&](const std::string& text) { check("summary", text); });
+        check("report", engine.getReportTemplate(nullptr));
+        engine.setCustomRoofValues(RoofId::None, ~0ULL, {});
+        engine.clearCustomRoofValues({});
+    } catch (const std::exception& error) {
+        fault += std::string(" exception: ") + error.what();
+    } catch (...) {
+        fault += " exception";
+    }
+    return fault;
+}
+
+TEST(HostileData, IsAnsweredWithTextsThatParse) {
+    const Assertions quiet;
+    const std::vector<std::string> configurations{"",
+                                                  "f-1",
+                                                  "f-i-b-0-1-L1-L2-L3-L4-DRAM-load-all",
+                                                  "b-0-DRAM-store",
+                                                  "i-0",
+                                                  "-",
+                                                  "\xFF\"\\-L9--",
+                                                  std::string(10'000, 'f')};
+    EXPECT_TRUE(rc::check([&] {
+        const auto viewModel = hostileViewModel();
+        const auto engine = createRooflineInfo(viewModel);
+        RC_ASSERT(engine != nullptr);
+        const sptr_t<IDataset> foreign(new Dataset(hostileTable()));
+        const std::vector<sptr_t<IDataset>> datasets{nullptr, viewModel->datasets[DataType::Cpu],
+                                                     viewModel->datasets[DataType::CpuTopDown], foreign};
+        const std::string configuration = *rc::gen::elementOf(configurations);
+        RC_ASSERT(sweep(*engine, datasets, configuration) == "");
+        viewModel->throws = !viewModel->throws;
+        viewModel->load();
+        RC_ASSERT(sweep(*engine, datasets, configuration) == "");
+    }));
+}
+
+TEST(HostileData, OfAFailedReadLeavesTheNextChartAsItWas) {
+    const std::string row = "a SelfTime=1 SelfElapsedTime=1 SelfGFlops=10 SelfFloatAi=1";
+    const auto good = makeDataset(row);
+    const auto viewModel = makeViewModel(good, good);
+    const auto expected = createRooflineInfo(viewModel)->getRooflineData(good, good, "f-1");
+    ASSERT_TRUE(parse(expected).HasMember("loops"));
+    std::string answer;
+    int reads = 0;
+    for (; reads < 1000 && answer.empty(); ++reads) {
+        auto table = tableOf(row);
+        table.readsBeforeThrow = reads;
+        const sptr_t<IDataset> bad(new Dataset(table));
+        const auto engine = createRooflineInfo(viewModel);
+        answer = engine->getRooflineData(bad, bad, "f-1");
+        EXPECT_EQ(engine->getRooflineData(good, good, "f-1"), expected) << reads;
+    }
+    EXPECT_EQ(answer, expected) << "after reads enough";
+    EXPECT_GT(reads, 5);
+}
+
+TEST(HostileData, OfAViewModelThatFailsAtFirstIsThereAfterTheNextLoad) {
+    const auto viewModel = makeViewModel(nullptr, nullptr, 5);
+    viewModel->throws = true;
+    const auto engine = createRooflineInfo(viewModel);
+    viewModel->load();
+    EXPECT_EQ(engine->getThreadsInfo(), "");
+    viewModel->throws = false;
+    viewModel->load();
+    EXPECT_EQ(parse(engine->getRooflineOptions())["groups"].Size(), 4u);
+}
+
+TEST(HostileData, OfATreeOfAnyDepthNeedsNoStack) {
+    auto table = tableOf(
+        "a SelfTime=1 SelfElapsedTime=1 SelfGFlops=10 SelfFloatAi=1 TotalGFlops=10 TotalFloatAi=1"
+        " SelfFloatOps=1 SelfL1Load=1 SelfDramLoad=2 TotalFloatOps=1 TotalL1Load=1 TotalDramLoad=2");
+    for (int depth = 1; depth < 10'000; ++depth) {
+        table.rows.push_back(table.rows.front());
+        table.rows.back().parent = depth - 1;
+    }
+    const sptr_t<IDataset> dataset(new Dataset(table));
+    const auto engine = createRooflineInfo(makeViewModel(dataset, dataset, 5));
+    const auto chart = parse(engine->getRooflineData(dataset, "f-0-L1-DRAM-load"));
+    ASSERT_EQ(chart["loops"].Size(), 20'000u);
+    EXPECT_EQ(chart["loops"][19'999]["parent"].GetInt(), 19'997);
+}
+
+}  // namespace
+}  // namespace test
+}  // namespace data_models2
