@@ -124,10 +124,12 @@ void addReaders(Commands& commands) {
 }
 
 constexpr auto kRowsFooter =
-    R"(Each row is taken by the operations that it has most of, float or integer, with its self data or, with
-the option value 0 of the call stacks, its total data. Its point is its stored performance and its intensity
-against its traffic to the core. Its compute roof follows from its cells: vectorised or not, FMA, type and
-width. Its roofs are for its own threads or for --threads; odd numbers are taken as the next even one.
+    R"(Each row is taken by the operations that it has most of, float or integer, with its total data where they
+are there, else with its self data; without callees the two are the same. Of --config the choice of call
+stacks says whose time is shown: 0 with callees, 1 without, and then a row with callees is marked "with all
+that it calls". Its point is its stored performance and its intensity against its traffic to the core. Its
+compute roof follows from its cells: vectorised or not, FMA, type and width. Its roofs are for its own
+threads or for --threads; odd numbers are taken as the next even one.
 
   limiting roof   the lowest memory roof that stands above the point, or the compute roof where that one
                   stands lower over the point. "above ROOF": not even the highest memory roof stands above
@@ -187,7 +189,8 @@ void addRowReaders(Commands& commands) {
     addSource(*loop, loopRequest->source);
     addConfiguration(*loop, loopRequest->configuration);
     loop->add_option("--request", loopRequest->request,
-                     "a list \"item\" of ids, and threadCount, packageCount, useSTRoofsStrategy; - for stdin")
+                     "a list \"item\" of ids, and threadCount (chooses packages; a row's own threads count), "
+                     "packageCount, useSTRoofsStrategy; - for stdin")
         ->type_name("JSON");
     loop->add_option("--id", loopRequest->ids, "a loop's id, in place of a request; may be repeated")
         ->type_name("ID");

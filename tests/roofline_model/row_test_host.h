@@ -27,12 +27,25 @@ private:
     FieldId m_field;
 };
 
+class RowType final : public RefCounted<IRowSpecification> {
+public:
+    explicit RowType(std::uint64_t bits) : m_bits(bits) {}
+    std::uint64_t getRowType() const override { return m_bits; }
+
+private:
+    std::uint64_t m_bits;
+};
+
 class Row final : public RefCounted<RowNode> {
 public:
+    explicit Row(sptr_t<IRowSpecification> type = {}) : m_type(std::move(type)) {}
     std::uint64_t getId() const override { return 1; }
-    sptr_t<IRowSpecification> getSpecification() const override { return {}; }
+    sptr_t<IRowSpecification> getSpecification() const override { return m_type; }
     sptr_t<RowNode> getParent() const override { return {}; }
     int getChildren(RowIterator&, int, int) const override { return -1; }
+
+private:
+    sptr_t<IRowSpecification> m_type;
 };
 
 using Cells = std::map<FieldId, variant_t>;
