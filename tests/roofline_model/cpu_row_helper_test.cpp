@@ -1,9 +1,8 @@
 // The CPU strategy's rules: which roofs fit a row, which thread set-up it asks for, which rows are innermost.
-#include "embedded_host/embedded_host.h"
-
 #include "roofline_model/cpu_row_roofline_helper.h"
 
 #include "tests/roofline_model/row_test_host.h"
+#include "tests/roofline_model/test_host.h"
 
 #include <climits>
 #include <gtest/gtest.h>
@@ -19,21 +18,7 @@ using namespace row_test;
 using Field = FieldId;
 using Perspective = IRooflineInfo::Perspective;
 
-// A roof table that gives the same roofs for every set-up and keeps what it was asked.
-class Roofs final : public IRoofManager {
-public:
-    generic_iterator_t<RoofItem> getRoofs(const std::string& configuration) const override {
-        asked = configuration;
-        return makeIterator(roofs);
-    }
-    bool setCustomRoofValues(const std::map<RoofId, std::uint64_t>&, const std::string&) override {
-        return false;
-    }
-    bool clearCustomRoofValues(const std::string&) override { return false; }
-
-    std::vector<RoofItem> roofs;
-    mutable std::string asked;
-};
+using Roofs = test::RoofTable;
 
 std::shared_ptr<Roofs> computeRoofs() {
     const auto table = std::make_shared<Roofs>();
@@ -62,74 +47,53 @@ Found findRoofs(const Cells& cells, const InstructionMix& mix, const std::shared
         for (const auto& roof : roofs) text += fmt::format("{} ", static_cast<int>(roof.id));
         return text;
     };
-    return {ids(compute), ids(memory), table->asked, helper.getRoofParam().threadCount};
+    return {ids(compute), ids(memory), table->asked.back(), helper.getRoofParam().threadCount};
 }
 
 TEST(CpuRowHelper, ComputeRoofsByRule) {
-    const Cells vectorized{{Field::Vectorized, 1U}};
-    const auto with = [](Cells cells, Field field, const variant_t& value) {
-        cells[field] = value;
-        return cells;
+    const std::string vectorized = " Vectorized=1u";
+    const std::tuple<std::string, InstructionMix, const char*> rules[]{
+        {"", {}, "9 13 "},
+        {vectorized, {}, "11 17 "},
+        {" Vectorized=0u", {}, "9 13 "},
+        {" Vectorized=-1i", {}, "11 17 "},
+        {" Vectorized=1", {}, "9 13 "},  // no integer
+        {" Vectorized=\"1\"", {}, "9 13 "},
+        {"", {{11, 1}}, "11 17 "},
+        {"", {{12, 1}}, "11 17 "},
+        {"", {{49, 1}}, "11 17 "},
+        {"", {{11, 0}, {12, 1.0}, {49, -1}}, "9 13 "},
+        {"", {{10, 1}, {74, 1}, {3, 1}}, "9 13 "},
+        {" Vectorized=0u", {{49, 1}}, "11 17 "},
+        {vectorized, {{74, 1}}, "8 17 "},
+        {vectorized, {{74, 0}}, "11 17 "},
+        {vectorized, {{74, 1.0}}, "11 17 "},
+        {vectorized + " VectorTraits=\"Gathers; FMA\"", {}, "8 17 "},
+        {vectorized + " VectorTraits=\"fma\"", {}, "11 17 "},
+        {vectorized + " VectorTraits=7", {}, "11 17 "},
+        {" VectorTraits=\"FMA\"", {}, "9 13 "},
+        {vectorized, {{3, 1}}, "10 17 "},
+        {vectorized, {{3, 0}}, "11 17 "},
+        {vectorized, {{3, 5.0}}, "11 17 "},
+        {vectorized, {{3, 1}, {74, 1}}, "7 17 "},
+        {vectorized + " VectorTraits=\"FMA\"", {{3, 1}}, "7 17 "},
+        {vectorized + " MainDataType=8u", {}, "11 17 "},
+        {vectorized + " MainDataType=4u", {}, "11 17 "},
+        {vectorized + " DataTypes=\"Float64, Int32\"", {}, "11 16 "},
+        {vectorized + " DataTypes=\"Int16\"", {}, "11 16 "},
+        {vectorized + " DataTypes=\"<b>UInt8</b>\"", {}, "11 16 "},
+        {vectorized + " DataTypes=\"Int64, int32\"", {}, "11 17 "},
+        {vectorized + " DataTypes=\"Int32\" MainDataType=8u", {}, "11 17 "},
+        {vectorized + " DataTypes=\"Int32\" MainDataType=8", {}, "11 16 "},
+        {" DataTypes=\"Int32\"", {}, "9 13 "},
     };
-    struct Rule {
-        const char* name;
-        Cells cells;
-        InstructionMix mix;
-        const char* roofs;
-    };
-    const Rule rules[]{
-        {"nothing known", {}, {}, "9 13 "},
-        {"flag", vectorized, {}, "11 17 "},
-        {"flag 0", {{Field::Vectorized, 0U}}, {}, "9 13 "},
-        {"flag -1", {{Field::Vectorized, -1}}, {}, "11 17 "},
-        {"flag no integer", {{Field::Vectorized, 1.0}}, {}, "9 13 "},
-        {"flag a text", {{Field::Vectorized, "1"}}, {}, "9 13 "},
-        {"mix 11", {}, {{11, 1}}, "11 17 "},
-        {"mix 12", {}, {{12, 1}}, "11 17 "},
-        {"mix 49", {}, {{49, 1}}, "11 17 "},
-        {"mix 0", {}, {{11, 0}, {12, 0}, {49, 0}}, "9 13 "},
-        {"mix below 0", {}, {{11, -1}}, "9 13 "},
-        {"mix no integer", {}, {{11, 1.0}, {12, "1"}}, "9 13 "},
-        {"mix of another class", {}, {{10, 1}, {74, 1}, {3, 1}}, "9 13 "},
-        {"mix without its flag", {{Field::Vectorized, 0U}}, {{49, 1}}, "11 17 "},
-        {"fma by mix", vectorized, {{74, 1}}, "8 17 "},
-        {"fma 0", vectorized, {{74, 0}}, "11 17 "},
-        {"fma no integer", vectorized, {{74, 1.0}}, "11 17 "},
-        {"fma by traits", with(vectorized, Field::VectorTraits, "Gathers; FMA"), {}, "8 17 "},
-        {"fma by part of a word", with(vectorized, Field::VectorTraits, "xFMAy"), {}, "8 17 "},
-        {"fma in lower case", with(vectorized, Field::VectorTraits, "fma"), {}, "11 17 "},
-        {"traits no text", with(vectorized, Field::VectorTraits, 7), {}, "11 17 "},
-        {"fma of a scalar row", {{Field::VectorTraits, "FMA"}}, {}, "9 13 "},
-        {"single", vectorized, {{3, 1}}, "10 17 "},
-        {"single 0", vectorized, {{3, 0}}, "11 17 "},
-        {"single no integer", vectorized, {{3, 5.0}}, "11 17 "},
-        {"single fma", vectorized, {{3, 1}, {74, 1}}, "7 17 "},
-        {"single fma by traits", with(vectorized, Field::VectorTraits, "FMA"), {{3, 1}}, "7 17 "},
-        {"main type 8", with(vectorized, Field::MainDataType, 8U), {}, "11 17 "},
-        {"main type 4", with(vectorized, Field::MainDataType, 4U), {}, "11 17 "},
-        {"Int32", with(vectorized, Field::DataTypes, "Float64, Int32"), {}, "11 16 "},
-        {"Int16", with(vectorized, Field::DataTypes, "Int16"), {}, "11 16 "},
-        {"Int8", with(vectorized, Field::DataTypes, "<b>UInt8</b>"), {}, "11 16 "},
-        {"Int64", with(vectorized, Field::DataTypes, "Int64"), {}, "11 17 "},
-        {"int32", with(vectorized, Field::DataTypes, "int32"), {}, "11 17 "},
-        {"main type 8 beside Int32",
-         {{Field::Vectorized, 1U}, {Field::MainDataType, 8U}, {Field::DataTypes, "Int32"}},
-         {},
-         "11 17 "},
-        {"main type no integer",
-         {{Field::Vectorized, 1U}, {Field::MainDataType, 8.0}, {Field::DataTypes, "Int32"}},
-         {},
-         "11 16 "},
-        {"Int32 of a scalar row", {{Field::DataTypes, "Int32"}}, {}, "9 13 "},
-    };
-    for (const auto& [name, cells, mix, roofs] : rules) {
-        const auto found = findRoofs(cells, mix, computeRoofs());
-        EXPECT_EQ(found.compute, roofs) << name;
-        const bool isVectorized = std::string(roofs) != "9 13 ";
-        EXPECT_EQ(found.asked, roof::getCpuRoofConfiguration(
-                                   {}, OperationsType::Mixed,
-                                   isVectorized ? Perspective::Vectorized : Perspective::NotVectorized))
-            << name;
+    for (const auto& [cells, mix, roofs] : rules) {
+        const auto found = findRoofs(test::tableOf("a" + cells).rows.front().cells, mix, computeRoofs());
+        EXPECT_EQ(found.compute, roofs) << cells;
+        const bool isScalar = std::string(roofs) == "9 13 ";
+        const auto perspective = isScalar ? Perspective::NotVectorized : Perspective::Vectorized;
+        EXPECT_EQ(found.asked, roof::getCpuRoofConfiguration({}, OperationsType::Mixed, perspective))
+            << cells;
     }
 }
 
@@ -253,20 +217,18 @@ TEST(CpuRowHelper, LevelsHaveTheirNumberAndTraffic) {
 }
 
 TEST(CpuRowHelper, NullsAreAssertedAndSurvived) {
-    std::vector<std::string> asserted;
-    embedded_host::setAssertionHandler(
-        [&](const std::string& expression, const std::string&, int) { asserted.push_back(expression); });
+    const test::Assertions assertions;
     CpuRowRooflineHelper helper(nullptr, {}, 4, nullptr);
     helper.init(nullptr, nullptr);
     std::vector<RoofItem> memory, compute;
     helper.findRoofs(memory, compute);
-    CpuRowRooflineHelper withTable(computeRoofs(), {}, 4, nullptr);
-    withTable.init(nullptr, nullptr);
-    embedded_host::setAssertionHandler({});
-    EXPECT_EQ(asserted, (std::vector<std::string>{"m_roofManager", "m_roofParam", "m_row", "m_dataset",
-                                                  "m_roofParam", "m_row", "m_dataset"}));
     EXPECT_TRUE(memory.empty() && compute.empty());
     EXPECT_FALSE(helper.isInnermost());
+    std::string reported;
+    for (const auto& text : assertions.reported) reported += text.substr(text.rfind(' '));
+    EXPECT_EQ(reported, " m_roofManager m_roofParam m_row m_dataset");
+    CpuRowRooflineHelper withTable(computeRoofs(), {}, 4, nullptr);
+    withTable.init(nullptr, nullptr);
     withTable.findRoofs(memory, compute);
     EXPECT_EQ(compute.size(), 2u) << "the scalar roofs";
 }

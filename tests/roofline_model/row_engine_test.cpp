@@ -1,13 +1,11 @@
 // Which point a row has and which roof limits it, against naive models of both verdicts.
-#include "embedded_host/embedded_host.h"
-
 #include "tests/roofline_model/row_test_host.h"
+#include "tests/roofline_model/test_host.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -85,8 +83,7 @@ Verdict verdictOf(const CRowRooflineEngine& engine, bool total) {
     return verdict;
 }
 
-// The lowest memory roof that isn't below the point, or the compute roof when it's above the point and lower
-// there.
+// The lowest memory roof not below the point, or the compute roof when it is above the point and lower there.
 Verdict totalModel(const Machine& machine, double performance, double ai) {
     std::optional<MemoryLevel> lowest;
     for (const auto& [level, giga] : machine.memory)
@@ -173,12 +170,11 @@ bool isClose(double a, double b) { return std::abs(a - b) <= 1e-9 * std::abs(a);
 TEST(RowEngine, BothVerdictsAndTheTablesOfRandomRows) {
     const auto isRight = rc::check("verdicts and tables", [] {
         Machine machine{.compute = positive(200'000)};
-        RowCase row;
         const double performance = positive(200'000);
         const double ai = positive(50'000);
         std::map<MemoryLevel, double> intensities;
         for (auto& [level, giga] : machine.memory) giga = positive(400'000);
-        row = rowOn(machine, performance, ai);
+        RowCase row = rowOn(machine, performance, ai);
         const double operations = positive(50'000);
         row.cells[FieldId::SelfFloatOps] = operations;
         for (const auto& [level, giga] : machine.memory) {
@@ -242,105 +238,60 @@ TEST(RowEngine, NumbersThatAreNotFiniteOrNotPositive) {
 }
 
 TEST(RowEngine, WhatIsNoTrafficMakesNoPointAndNoTable) {
-    struct Level {
-        const char* name;
-        double traffic, operations;
-        bool isPoint, isTable;
+    const std::tuple<double, double, bool> levels[]{
+        {1.0, 1.0, true},    {0.0, 1.0, false},       {1e-12, 1.0, false}, {2e-12, 1.0, true},
+        {1.0, 1e-12, false}, {1.0, 2e-12, true},      {-1.0, 1.0, false},  {kNan, 1.0, false},
+        {1.0, kNan, false},  {kInfinity, 1.0, false},
     };
-    const Level rows[]{
-        {"plain", 1.0, 1.0, true, true},
-        {"no traffic", 0.0, 1.0, false, false},
-        {"traffic at the bound", 1e-12, 1.0, false, false},
-        {"traffic above the bound", 2e-12, 1.0, true, true},
-        {"intensity at the bound", 1.0, 1e-12, false, false},
-        {"negative", -1.0, 1.0, false, false},
-        {"not a number", kNan, 1.0, false, false},
-        {"no operations", 1.0, kNan, false, false},
-        {"infinite", kInfinity, 1.0, false, false},
-    };
-    for (const auto& [name, traffic, operations, isPoint, isTable] : rows) {
-        RowCase row = rowOn({}, 1.0, 1.0);
+    for (const auto& [traffic, operations, isPoint] : levels) {
+        RowCase row = rowOn({}, 1e-9, 1.0);
         row.traffic = {{MemoryLevel::L1, traffic}};
         row.cells[FieldId::SelfFloatOps] = operations;
         const auto engine = makeEngine(row);
-        EXPECT_TRUE(engine->areMemLevelMetricsAvailable()) << name;
-        EXPECT_EQ(engine->getMemLevelPoints().size() == 1, isPoint) << name;
-        EXPECT_EQ(engine->getMemoryValues(RooflineMemoryValuesType::Traffic).size() == 1, isTable) << name;
+        EXPECT_TRUE(engine->areMemLevelMetricsAvailable());
+        EXPECT_EQ(engine->getMemLevelPoints().size() == 1, isPoint) << traffic << " " << operations;
+        EXPECT_EQ(engine->getMemoryValues(RooflineMemoryValuesType::Traffic).size() == 1, isPoint);
     }
 }
 
 TEST(RowEngine, ChoosesThePoint) {
-    using Field = FieldId;
-    const Cells total{{Field::TotalGFlops, 1.0}, {Field::TotalFloatAi, 2.0}};
-    const Cells totalInt{{Field::TotalGIntOps, 3.0}, {Field::TotalIntAi, 4.0}};
-    const Cells self{{Field::SelfGFlops, 5.0}, {Field::SelfFloatAi, 6.0}};
-    const Cells selfInt{{Field::SelfGIntOps, 7.0}, {Field::SelfIntAi, 8.0}};
-    const auto counts = [](Field floats, double f, Field ints, double i) {
-        return Cells{{floats, f}, {ints, i}};
+    const std::string total = " TotalGFlops=1 TotalFloatAi=2", totalInt = " TotalGIntOps=3 TotalIntAi=4";
+    const std::string self = " SelfGFlops=5 SelfFloatAi=6", selfInt = " SelfGIntOps=7 SelfIntAi=8";
+    const auto totals = [](double f, double i) {
+        return fmt::format(" TotalFloatOps={} TotalIntOps={}", f, i);
     };
-    const auto totals = [&](double f, double i) {
-        return counts(Field::TotalFloatOps, f, Field::TotalIntOps, i);
+    const auto selves = [](double f, double i) {
+        return fmt::format(" SelfFloatOps={} SelfIntOps={}", f, i);
     };
-    const auto selves = [&](double f, double i) {
-        return counts(Field::SelfFloatOps, f, Field::SelfIntOps, i);
+    const std::pair<std::string, const char*> rows[]{
+        {"", "3 0 0 self"},
+        {self, "0 5 6 self"},
+        {selfInt, "1 7 8 self"},
+        {total + self + selfInt + selves(0, 9), "0 1 2 total"},
+        {totalInt + self, "1 3 4 total"},
+        {" TotalGFlops=1 SelfFloatAi=6", "3 0 0 self"},
+        {" SelfGFlops=1 SelfIntAi=6", "3 0 0 self"},
+        {" TotalGFlops=1" + self, "0 5 6 self"},
+        {self + selfInt + selves(10, 10), "0 5 6 self"},
+        {self + selfInt + selves(10, 11), "1 7 8 self"},
+        {self + selfInt + selves(11, 10), "0 5 6 self"},
+        {self + selfInt, "0 5 6 self"},
+        {self + selfInt + selves(kNan, 10), "0 5 6 self"},
+        {total + totalInt + totals(1, 2) + selves(2, 1), "1 3 4 total"},
+        // A count that the self set lacks is the total set's.
+        {self + selfInt + totals(1, 2), "1 7 8 self"},
+        {self + selfInt + totals(1, 2) + " SelfIntOps=1", "0 5 6 self"},
+        {self + selfInt + totals(1, 2) + selves(2, 1), "0 5 6 self"},
+        {" SelfGFlops=\"x\" SelfFloatAi=6u", "0 0 6 self"},
     };
-    struct Case {
-        const char* name;
-        std::vector<Cells> cells;
-        OperationsType type;
-        double performance, ai;
-        bool isTotal;
-    };
-    constexpr auto kFloat = OperationsType::Float;
-    constexpr auto kInt = OperationsType::Int;
-    constexpr auto kNone = OperationsType::Undefined;
-    const Case cases[]{
-        {"nothing", {}, kNone, 0, 0, false},
-        {"self float", {self}, kFloat, 5, 6, false},
-        {"self int", {selfInt}, kInt, 7, 8, false},
-        {"total before self", {total, self, selfInt, selves(0, 9)}, kFloat, 1, 2, true},
-        {"total int before self float", {totalInt, self}, kInt, 3, 4, true},
-        {"halves of two sets",
-         {{{Field::TotalGFlops, 1.0}}, {{Field::SelfFloatAi, 6.0}}},
-         kNone,
-         0,
-         0,
-         false},
-        {"halves of two kinds", {{{Field::SelfGFlops, 1.0}}, {{Field::SelfIntAi, 6.0}}}, kNone, 0, 0, false},
-        {"half a total", {{{Field::TotalGFlops, 1.0}}, self}, kFloat, 5, 6, false},
-        {"equal counts", {self, selfInt, selves(10, 10)}, kFloat, 5, 6, false},
-        {"more int", {self, selfInt, selves(10, 11)}, kInt, 7, 8, false},
-        {"more float", {self, selfInt, selves(11, 10)}, kFloat, 5, 6, false},
-        {"no counts", {self, selfInt}, kFloat, 5, 6, false},
-        {"no number", {self, selfInt, selves(kNan, 10)}, kFloat, 5, 6, false},
-        {"total by total counts", {total, totalInt, totals(1, 2), selves(2, 1)}, kInt, 3, 4, true},
-        {"self keeps total counts", {self, selfInt, totals(1, 2)}, kInt, 7, 8, false},
-        {"self keeps one total count",
-         {self, selfInt, totals(1, 2), {{Field::SelfIntOps, 1.0}}},
-         kFloat,
-         5,
-         6,
-         false},
-        {"self counts replace", {self, selfInt, totals(1, 2), selves(2, 1)}, kFloat, 5, 6, false},
-        {"a text is there as 0",
-         {{{Field::SelfGFlops, "x"}, {Field::SelfFloatAi, 6.0}}},
-         kFloat,
-         0,
-         6,
-         false},
-        {"an integer is a number", {{{Field::SelfGFlops, 5}, {Field::SelfFloatAi, 6U}}}, kFloat, 5, 6, false},
-    };
-    for (const auto& [name, parts, type, performance, ai, isTotal] : cases) {
-        RowCase row;
-        for (const auto& part : parts) row.cells.insert(part.begin(), part.end());
-        const auto engine = makeEngine(row);
-        const auto point = engine->getPoint();
-        EXPECT_EQ(point.operationsType, type) << name;
-        EXPECT_EQ(point.performance, performance) << name;
-        EXPECT_EQ(point.ai, ai) << name;
-        EXPECT_EQ(engine->areTotalMetricsAvailable(), isTotal) << name;
-        EXPECT_EQ(engine->getComputeRoof(OperationsType::Undefined).name, engine->getComputeRoof(type).name)
-            << name;
+    for (const auto& [cells, expected] : rows) {
+        const auto engine = makeEngine({.cells = test::tableOf("a" + cells).rows.front().cells});
+        const auto [performance, ai, traffic, level, limit, type] = engine->getPoint();
+        EXPECT_EQ(fmt::format("{} {:g} {:g} {}", static_cast<int>(type), performance, ai,
+                              engine->areTotalMetricsAvailable() ? "total" : "self"),
+                  expected)
+            << cells;
+        EXPECT_EQ(engine->getComputeRoof(OperationsType::Undefined).name, engine->getComputeRoof(type).name);
     }
 }
 
@@ -372,24 +323,20 @@ TEST(RowEngine, ARoofOfTheOtherKindLimitsNothing) {
 }
 
 TEST(RowEngine, EachNullArgumentIsAssertedAndSurvived) {
+    const RowCase setup = rowOn({}, 1.0, 1.0);
+    const char* const names[]{"m_row", "m_dataset", "m_helper"};
     for (int nulls = 1; nulls < 8; ++nulls) {
         std::vector<std::string> expected;
         for (int i = 0; i < 3; ++i)
-            if (nulls & 1 << i) expected.push_back(std::array{"m_row", "m_dataset", "m_helper"}[i]);
-        std::vector<std::string> asserted;
-        embedded_host::setAssertionHandler(
-            [&](const std::string& expression, const std::string&, int) { asserted.push_back(expression); });
-        const RowCase setup = rowOn({}, 1.0, 1.0);
+            if (nulls & 1 << i)
+                expected.push_back(std::string("roofline_model/row_roofline_engine: ") + names[i]);
+        const test::Assertions assertions;
         const CRowRooflineEngine engine(nulls & 1 ? nullptr : new Row,
                                         nulls & 2 ? nullptr : new OneRow(setup.cells, setup.type),
                                         nulls & 4 ? nullptr : std::make_shared<Strategy>(setup));
-        embedded_host::setAssertionHandler({});
-        EXPECT_EQ(asserted, expected);
+        EXPECT_EQ(assertions.reported, expected);
         EXPECT_FALSE(engine.isValid());
-        EXPECT_EQ(engine.getPoint().operationsType, OperationsType::Undefined);
-        std::vector<RoofItem> roofs;
-        engine.extendMemoryRoofs(roofs);
-        EXPECT_TRUE(roofs.empty() && engine.getMemoryRoofs().empty());
+        EXPECT_TRUE(engine.getMemoryRoofs().empty());
     }
 }
 
