@@ -124,8 +124,8 @@ void addReaders(Commands& commands) {
 }
 
 constexpr auto kRowsFooter =
-    R"(Each row is taken by the operations that it has most of, float or integer, with its total data where they
-are there, else with its self data; without callees the two are the same. Of --config the choice of call
+    R"(Each row is taken by the operations that it has most of, float or integer, with its total data where
+they are there, else with its self data; without callees the two are the same. Of --config the choice of call
 stacks says whose time is shown: 0 with callees, 1 without, and then a row with callees is marked "with all
 that it calls". Its point is its stored performance and its intensity against its traffic to the core. Its
 compute roof follows from its cells: vectorised or not, FMA, type and width. Its roofs are for its own
