@@ -30,6 +30,16 @@ inline Run run(std::vector<std::string> arguments, const std::string& input = {}
     return {code, out.str(), err.str()};
 }
 
+// Nothing but one line that holds the reason, on stderr.
+inline void expectRefused(const std::vector<std::string>& arguments, int code, const char* reason) {
+    const auto result = run(arguments);
+    EXPECT_EQ(result.code, code) << result.err;
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err.rfind("roofline: ", 0), 0U) << result.err;
+    EXPECT_NE(result.err.find(reason), std::string::npos) << result.err;
+    EXPECT_EQ(result.err.find('\n') + 1, result.err.size()) << result.err;
+}
+
 class FolderTest : public ::testing::Test {
 protected:
     FolderTest() {

@@ -9,7 +9,7 @@
 #include "tests/roofline_model/test_host.h"
 
 #include <boost/property_tree/ptree.hpp>
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
@@ -18,17 +18,15 @@ namespace data_models2::test {
 namespace {
 
 using embedded_host::test::viewOf;
-using ::testing::HasSubstr;
-using ::testing::Not;
 
 const char* const kRows = R"(
-    {"id": 1, "source": 77, "cells": {"FunctionName": "stream", "SelfElapsedTime": 4, "SelfFloatOps": 4, "SelfIntOps": 0,
-        "SelfL1Load": 16, "SelfL1Store": 0, "SelfDramLoad": 12, "SelfDramStore": 4}},
-    {"id": 2, "kind": "function", "children": [
-        {"id": 3, "cells": {"FunctionName": "count", "SelfElapsedTime": 1, "SelfFloatOps": 0, "SelfIntOps": 60,
-            "SelfL1Load": 8, "SelfL1Store": 2, "SelfDramLoad": 2, "SelfDramStore": 0}}]},
-    {"id": 4, "source": 77, "cells": {"FunctionName": "outer", "SelfElapsedTime": 4,
-        "SelfFloatOps": 4, "SelfL1Load": 16}},
+    {"id": 1, "source": 77, "cells": {"FunctionName": "stream", "SelfElapsedTime": 4, "SelfFloatOps": 4,
+        "SelfIntOps": 0, "SelfL1Load": 16, "SelfL1Store": 0, "SelfDramLoad": 12, "SelfDramStore": 4}},
+    {"id": 2, "kind": "function", "children": [{"id": 3, "cells": {"FunctionName": "count",
+        "SelfElapsedTime": 1, "SelfFloatOps": 0, "SelfIntOps": 60, "SelfL1Load": 8, "SelfL1Store": 2,
+        "SelfDramLoad": 2, "SelfDramStore": 0}}]},
+    {"id": 4, "source": 77, "cells": {"FunctionName": "outer", "SelfElapsedTime": 4, "SelfFloatOps": 4,
+        "SelfL1Load": 16}},
     {"id": 5, "cells": {"FunctionName": "idle", "SelfElapsedTime": 1}})";
 
 constexpr const char* kBoth = R"("L1", "DRAM")";
@@ -39,7 +37,8 @@ std::shared_ptr<ISurveyingViewModel> makeView(const char* levels = kBoth) {
                   R"(, "levels": [)" + std::string(levels) + R"(], "program": {"name": "p", "usedThreads": 3},
         "machine": {"format": "roofline-machine", "version": 1, "name": "m",
             "cores": {"physical": 16}, "packages": 2, "roofs": [
-            {"id": 1, "value": 100, "unit": "GB/s", "threads": 4}, {"id": 6, "value": 10, "unit": "GB/s", "threads": 4},
+            {"id": 1, "value": 100, "unit": "GB/s", "threads": 4},
+            {"id": 6, "value": 10, "unit": "GB/s", "threads": 4},
             {"id": 9, "value": 80, "unit": "GOP/s", "threads": 4},
             {"id": 13, "value": 80, "unit": "GOP/s", "threads": 4}]})");
 }
@@ -51,14 +50,9 @@ std::string infoOf(const std::string& request, const std::string& configuration 
 
 TEST(LoopDetails, OfTheRowsThatTheRequestNames) {
     const std::pair<std::string, const char*> requests[]{
-        {R"({"item": ["1", "3"]})", "1 3 "},
-        {R"({"item": [3, 1]})", "1 3 "},
-        {R"({"item": ["1", 1, "9", "x", "", null, true, -1]})", "1 "},
-        {R"({"item": [["1"], [[3], []]]})", "1 3 "},
-        {R"({"item": {"item": ["3"]}})", "3 "},
+        {R"({"item": ["3", 1, 1, "9", "x", "", null, true, -1]})", "1 3 "},
+        {R"({"item": [["1"], {"item": [[3], []]}]})", "1 3 "},
         {R"({"item": 3})", "3 "},
-        {R"({"items": ["1"], "threadCount": 1})", ""},
-        {"{}", ""},
     };
     for (const auto& [request, expected] : requests) {
         std::string ids;
@@ -70,10 +64,9 @@ TEST(LoopDetails, OfTheRowsThatTheRequestNames) {
         }
         EXPECT_EQ(ids, expected) << request;
     }
-    for (const std::string request : {"", "{", "[1]", "null", "\"1\"", R"({"item": ["1"]} x)"})
+    for (const std::string request : {"", "{", "[1]", "null", R"({"item": ["1"]} x)"})
         EXPECT_EQ(infoOf(request), "") << request;
-    std::string deep(100'000, '[');
-    EXPECT_EQ(infoOf(R"({"item": )" + deep), "");
+    EXPECT_EQ(infoOf(R"({"item": )" + std::string(100'000, '[')), "");
     EXPECT_EQ(createRooflineInfo(nullptr)->getLoopAdditionalInfo("{}", nullptr, "f-1"), "");
 }
 
@@ -91,13 +84,10 @@ TEST(LoopDetails, SayWhatLimitsTheLoop) {
         translate("roofline_bottleneck_bound_by_compute", std::string("Integer Scalar Add Peak"), 75);
     const std::tuple<const char*, const char*, const char*, std::string> rows[]{
         {"1", "f-1", kBoth, memory},
-        {"1", "b-1", kBoth, memory},
         {"1", "i-1", kBoth, wrong("Float")},
         {"3", "f-1", kBoth, wrong("Integer")},
-        {"1", "i-1", R"("L1")", wrong("Float")},
         {"3", "i-1", kBoth, compute},
         {"3", "i-1", R"("L1")", memory},
-        {"2", "f-1", kBoth, wrong("Integer")},
         {"5", "f-1", kBoth, translate("roofline_bottleneck_general_error")},
     };
     for (const auto& [id, configuration, levels, expected] : rows) {
@@ -108,35 +98,15 @@ TEST(LoopDetails, SayWhatLimitsTheLoop) {
         for (const auto& message : answer[0]["bottleneck"]["messages"].GetArray())
             messages.push_back(message.GetString());
         EXPECT_EQ(boost::join(messages, "\n"), expected);
-        EXPECT_THAT(boost::join(messages, "\n"), Not(HasSubstr("roofline_")));
     }
 }
 
 TEST(LoopDetails, OfARowThatIsNotInnermostNeedTotalData) {
     const auto view = makeViewModel(makeDataset("a NestingLevel=1u SelfGFlops=1 SelfFloatAi=1"));
     view->roofs = std::make_shared<RoofTable>();
-    const auto answer =
-        parse(createRooflineInfo(view)->getLoopAdditionalInfo(R"({"item": 1})", nullptr, "f-1"));
-    EXPECT_EQ(textOf(answer[0]["bottleneck"]["messages"][0]),
+    const auto text = createRooflineInfo(view)->getLoopAdditionalInfo(R"({"item": 1})", nullptr, "f-1");
+    EXPECT_EQ(textOf(parse(text)[0]["bottleneck"]["messages"][0]),
               roofline::translate("roofline_bottleneck_no_stacks_error"));
-}
-
-TEST(LoopDetails, ThreadsAreThoseOfTheRequestAndTheRow) {
-    const std::pair<const char*, const char*> requests[]{
-        {R"({"item": ["1"]})", "4 1 0"},  // three of the row, made even
-        {R"({"item": ["1"], "threadCount": 12})", "4 2 0"},
-        {R"({"item": ["1"], "packageCount": 2, "useSTRoofsStrategy": 1})", "4 2 1"},
-    };
-    for (const auto& [request, expected] : requests) {
-        const auto answer = parse(infoOf(request));
-        const auto& threads = answer[0]["threads"];
-        EXPECT_EQ(lineOf(threads, {"physicalCoreCount", "processorPackageCount", "usedNumberOfThreads"}),
-                  "physicalCoreCount=16 processorPackageCount=2 usedNumberOfThreads=3");
-        EXPECT_EQ(fmt::format("{} {} {}", textOf(threads["threadCount"]), textOf(threads["packageCount"]),
-                              textOf(threads["useSTRoofsStrategy"])),
-                  expected)
-            << request;
-    }
 }
 
 TEST(RoofParams, AreReadOfTheRequest) {
@@ -144,23 +114,12 @@ TEST(RoofParams, AreReadOfTheRequest) {
     const std::tuple<const char*, const char*, ThreadsInfo> requests[]{
         {"{}", "6 0 1", kMachine},
         {R"({"threadCount": 0})", "1 0 1", kMachine},
-        {R"({"threadCount": 8})", "8 0 1", kMachine},
         {R"({"threadCount": 9})", "9 0 2", kMachine},
         {R"({"threadCount": 12, "packageCount": 1})", "12 0 2", kMachine},
-        {R"({"threadCount": 100, "packageCount": 3})", "100 0 2", kMachine},
         {R"({"threadCount": 4294967295})", "2147483647 0 2", kMachine},
-        {R"({"threadCount": "12"})", "6 0 1", kMachine},
-        {R"({"threadCount": 12.0})", "6 0 1", kMachine},
-        {R"({"threadCount": -12})", "6 0 1", kMachine},
         {R"({"threadCount": 4294967296})", "6 0 1", kMachine},
-        {R"({"packageCount": 0})", "6 0 1", kMachine},
-        {R"({"packageCount": 2})", "6 0 2", kMachine},
-        {R"({"packageCount": 3})", "6 0 3", kMachine},
         {R"({"packageCount": 4294967295})", "6 0 2147483647", kMachine},
-        {R"({"useSTRoofsStrategy": 1})", "6 1 1", kMachine},
         {R"({"useSTRoofsStrategy": 7})", "6 1 1", kMachine},
-        {R"({"useSTRoofsStrategy": 0})", "6 0 1", kMachine},
-        {R"({"useSTRoofsStrategy": "1"})", "6 0 1", kMachine},
         {R"({"useSTRoofsStrategy": true})", "6 0 1", kMachine},
         {"{}", "20 0 2", {16, 2, 20}},
         {"{}", "4 0 3", {5, 3, 4}},  // one core a package
@@ -185,13 +144,11 @@ TEST(ComparisonData, OfAResultWithItselfHasTwoEqualSides) {
     const ComparisonData data{view, view, DataType::Cpu, {}};
     const auto both = parse(engine->getComparisonData(data, R"({"first": "77", "second": 77})", "f-1"));
     EXPECT_EQ(boost::join(membersOf(both), " "), "conf first second");
-    EXPECT_EQ(textOf(both["conf"]), "f-1");
     const auto loop = parse(engine->getLoopAdditionalInfo(R"({"item": ["1"]})", nullptr, "f-1"));
     EXPECT_EQ(textOf(both["first"]), textOf(loop[0])) << "the first row of the source object";
     EXPECT_EQ(textOf(both["first"]), textOf(both["second"]));
 
     const auto none = parse(engine->getComparisonData({}, R"({"first": "77"})", "f-1"));
-    EXPECT_EQ(boost::join(membersOf(none), " "), "conf first second");
     const auto one = parse(engine->getComparisonData(data, R"({"first": "77", "second": "1"})", "f-1"));
     EXPECT_EQ(textOf(one["first"]), textOf(loop[0]));
     EXPECT_EQ(textOf(one["second"]), textOf(none["second"])) << "an id of a row is no id of a source object";
@@ -199,31 +156,16 @@ TEST(ComparisonData, OfAResultWithItselfHasTwoEqualSides) {
 }
 
 TEST(DominatingTypes, OfARow) {
-    struct Rule {
-        const char* cells;
-        const char* mix;
-        const char* types;  // operations, floats, integers
-    };
-    const Rule rules[]{
-        {"", "", "0 2 7"},
-        {"", R"("74": 1)", "1 2 7"},
+    // Cells, instruction mix, and the types of operations, floats and integers.
+    const std::tuple<const char*, const char*, const char*> rules[]{
         {"", R"("74": 1, "63": 1, "64": 1)", "0 2 7"},
         {"", R"("74": 2, "63": 1, "64": 1, "65": 1)", "1 2 7"},
-        {"", R"("65": 1)", "0 2 7"},
         {"", R"("74": 5, "65": 10)", "0 2 7"},
-        {R"("MainDataType": 1)", "", "0 2 1"},
-        {R"("MainDataType": 2)", "", "0 2 2"},
-        {R"("MainDataType": 4)", "", "0 2 3"},
-        {R"("MainDataType": 8)", "", "0 2 4"},
-        {R"("MainDataType": 16)", "", "0 0 7"},
         {R"("MainDataType": 32)", "", "0 1 7"},
         {R"("MainDataType": 3)", "", "0 2 7"},
-        {R"("DataTypes": "Float32; Int16")", "", "0 0 2"},
         {R"("DataTypes": "<b>Float64</b>; Float32; INT8; Int4")", "", "0 1 1"},
-        {R"("DataTypes": "Int128")", "", "0 2 5"},
         {R"("DataTypes": "Int256; Float16")", "", "0 2 6"},
         {R"("DataTypes": "Int4")", "", "0 2 0"},
-        {R"("DataTypes": "")", "", "0 2 7"},
         {R"("MainDataType": 4, "DataTypes": "Float64; Int64")", "", "0 1 3"},
         {R"("MainDataType": 16, "DataTypes": "Float64; Int64")", R"("74": 1)", "1 0 4"},
     };
@@ -236,72 +178,47 @@ TEST(DominatingTypes, OfARow) {
             R"({{"id": 1, "cells": {{{}}}, "mix": {{{}}}, "children": [{{"id": 2}}]}})", cells, mix));
         const auto engine = createRooflineInfo(view);
         EXPECT_EQ(typesOf(*engine, *view->getDataset(DataType::Cpu)->getRows(0)), types) << cells << mix;
-        for (const auto& foreign : {*view->getDataset(DataType::CpuTopDown)->getRows(0), sptr_t<RowNode>()})
-            EXPECT_EQ(typesOf(*engine, foreign), "0 2 7");
+        EXPECT_EQ(typesOf(*engine, *view->getDataset(DataType::CpuTopDown)->getRows(0)), "0 2 7")
+            << "foreign";
     }
 }
 
-const double kNan = std::numeric_limits<double>::quiet_NaN();
-
 variant_t hostileCell() {
-    static const std::vector<variant_t> kCells{1.0,
-                                               50.0,
-                                               0.0,
-                                               -0.0,
-                                               -1.0,
-                                               1e-300,
-                                               std::numeric_limits<double>::max(),
-                                               kNan,
-                                               HUGE_VAL,
-                                               -HUGE_VAL,
-                                               1u,
-                                               8u,
-                                               0u,
-                                               -1,
-                                               true,
-                                               2.0f,
-                                               std::numeric_limits<std::uint64_t>::max(),
-                                               "FMA",
-                                               "",
-                                               "\"\\\n\x01%1",
-                                               "\xFF\xC3(",
-                                               variant_t()};
-    return kCells[static_cast<std::size_t>(pick(0, 3) ? pick(0, 2)
-                                                      : pick(0, static_cast<int>(kCells.size())))];
+    if (pick(0, 3)) return *rc::gen::element<variant_t>(1.0, 50.0);
+    constexpr double kMax = std::numeric_limits<double>::max();
+    return *rc::gen::element<variant_t>(0.0, -0.0, -1.0, 1e-300, kMax, NAN, HUGE_VAL, -HUGE_VAL, 1u, 8u, 0u,
+                                        -1, true, 2.0f, ~0ULL, "FMA", "", "\"\\\n\x01%1", "\xFF\xC3(",
+                                        variant_t());
 }
 
 std::shared_ptr<ViewModel> hostileResult() {
     const int sparseness = *rc::gen::element(0, 1, 3, 20);
     const auto dataset = [&](DataType type) {
         Table table{{}, type};
-        for (int i = pick(1, 4); i > 0; --i) {
-            TestRow row;
-            row.type = *rc::gen::element<std::uint64_t>(0, 0, 0x100, 0x10);
+        table.rows.resize(static_cast<std::size_t>(pick(1, 4)));
+        for (auto& row : table.rows) {
             if (pick(0, 5) == 0) row.type.reset();
             for (const auto& field : kFields)
                 if (pick(0, sparseness + 1) == 0 && (field.id < FieldId::TripCounts || pick(0, 2)))
                     row.cells[field.id] = hostileCell();
-            table.rows.push_back(row);
         }
         return sptr_t<IDataset>(new Dataset(table));
     };
-    auto view =
-        makeViewModel(dataset(DataType::Cpu), dataset(DataType::CpuTopDown), *rc::gen::element(0, 1, 2, 5));
+    const auto view = makeViewModel(dataset(DataType::Cpu), dataset(DataType::CpuTopDown), pick(0, 6));
     const auto table = std::make_shared<RoofTable>();
-    constexpr MemoryLevel kLevels[]{MemoryLevel::L1, MemoryLevel::L2, MemoryLevel::Dram, MemoryLevel::L1};
-    for (int i = pick(0, 5); i > 0; --i)
-        for (const auto id :
-             {RoofId::ScalarAddPeak, RoofId::DpVectorAddPeak, RoofId::IntScalarAddPeak, RoofId(i)}) {
-            RoofItem roof{
-                .id = id, .name = pick(0, 9) ? "roof" : "\xFF\"", .value = 40'000'000'000, .roofOpType = {}};
-            if (pick(0, 3) == 0) roof.value = *rc::gen::element<std::uint64_t>(0, 1, ~0ULL);
-            const bool isMemory = id == RoofId(i);
-            roof.typeBits = isMemory ? RoofItem::Memory : RoofItem::Compute;
-            roof.memoryLevel = isMemory ? kLevels[i - 1] : MemoryLevel::None;
-            roof.arithType =
-                id == RoofId::IntScalarAddPeak ? ArithTypeExtDef::Int32 : ArithTypeExtDef::Float64;
-            table->roofs.push_back(roof);
-        }
+    for (int i = 0; i < 25; ++i) {  // each of the ids, some of them twice
+        const int id = 1 + i % 17;
+        const bool isMemory = id < 7;
+        if (pick(0, 3))
+            table->roofs.push_back(
+                {.id = RoofId(id),
+                 .name = pick(0, 9) ? "roof" : "\xFF\"",
+                 .value = pick(0, 3) ? 40'000'000'000 : *rc::gen::element<std::uint64_t>(0, 1, ~0ULL),
+                 .typeBits = isMemory ? RoofItem::Memory : RoofItem::Compute,
+                 .memoryLevel = MemoryLevel(isMemory ? id : 0),
+                 .roofOpType = {},
+                 .arithType = id < 13 ? ArithTypeExtDef::Float64 : ArithTypeExtDef::Int32});
+    }
     view->roofs = table;
     view->used = *rc::gen::element(0, 1, 7, -3, std::numeric_limits<int>::max());
     view->physical = *rc::gen::element(0, 16, std::numeric_limits<int>::max(), -1);
@@ -309,8 +226,6 @@ std::shared_ptr<ViewModel> hostileResult() {
 }
 
 std::string sweepRow(const IRowRooflineInfo& row) {
-    row.getPoint();
-    row.getMemLevelPoints();
     for (const int type : {0, 1, 2, 3, -1}) {
         row.getComputeRoof(static_cast<OperationsType>(type));
         row.getMemoryValues(static_cast<RooflineMemoryValuesType>(type));
@@ -318,10 +233,11 @@ std::string sweepRow(const IRowRooflineInfo& row) {
     }
     auto roofs = row.getMemoryRoofs();
     row.extendMemoryRoofs(roofs);
+    std::string faults;
     for (const auto& bag : {row.getRooflineVariantBag(), row.getMemoryMetricsVariantBag(),
                             row.getBotteleneckVariantBag({"\xFF", "more"})})
-        if (const auto fault = faultOf(saveBag(bag)); !fault.empty()) return fault;
-    return faultOf(row.getRooflineData());
+        faults += faultOf(saveBag(bag));
+    return faults + faultOf(row.getRooflineData());
 }
 
 TEST(RowOperations, AnswerHostileDataWithTextsThatParse) {
@@ -329,24 +245,20 @@ TEST(RowOperations, AnswerHostileDataWithTextsThatParse) {
     int valid = 0;
     EXPECT_TRUE(rc::check([&] {
         const auto view = hostileResult();
-        const auto engine = createRooflineInfo(view);
         for (const auto& [type, dataset] : view->datasets)
             for (const auto& node : rowsOf(dataset)) {
                 const InstructionMix mix{{11, hostileCell()}, {3, hostileCell()}, {74, hostileCell()}};
-                const int levels = *rc::gen::element(-1, 0, 1, 4);
-                const auto row = createRowRooflineInfo(node, dataset, view->roofs, mix, levels,
+                const auto row = createRowRooflineInfo(node, dataset, view->roofs, mix, pick(-1, 5),
                                                        std::make_shared<RoofThreadingFeatures>());
                 RC_ASSERT(row != nullptr);
                 RC_ASSERT(sweepRow(*row) == "");
                 valid += row->isValid();
-                engine->getDominatingOperationType(node);
-                engine->getDominatingFloatType(node);
-                engine->getDominatingIntType(node);
             }
         const std::string configuration = *rc::gen::element("", "f-1", "i-1", "b-0", "f-0-L1-DRAM-load", "x");
         const auto request =
             *rc::gen::element(R"({"item": [1, 2, 3]})", R"({"item": ["1"], "threadCount": 4294967295})");
         const ComparisonData pair{view, view, DataType::Cpu, {}};
+        const auto engine = createRooflineInfo(view);
         const auto loops = engine->getLoopAdditionalInfo(request, nullptr, configuration);
         RC_ASSERT(loops.empty() || faultOf(loops) == "");
         RC_ASSERT(!loops.empty() || configuration == "x" || configuration.empty());

@@ -3,79 +3,28 @@
 
 #include "roofline_model/row_roofline_engine.h"
 
+#include "tests/roofline_model/test_host.h"
+
 #include <boost/property_tree/ptree.hpp>
-#include <fmt/format.h>
-#include <rapidjson/document.h>
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace data_models2::row_test {
 
-class Column final : public RefCounted<ColumnNode> {
-public:
-    explicit Column(FieldId field) : m_field(field) {}
-    std::uint64_t getId() const override { return static_cast<std::uint64_t>(m_field); }
-    sptr_t<IColumnSpecification> getSpecification() const override { return {}; }
-    sptr_t<ColumnNode> getParent() const override { return {}; }
-    int getChildren(generic_iterator_t<sptr_t<ColumnNode>>&, int, int) const override { return -1; }
-
-private:
-    FieldId m_field;
-};
-
-class RowType final : public RefCounted<IRowSpecification> {
-public:
-    explicit RowType(std::uint64_t bits) : m_bits(bits) {}
-    std::uint64_t getRowType() const override { return m_bits; }
-
-private:
-    std::uint64_t m_bits;
-};
-
-class Row final : public RefCounted<RowNode> {
-public:
-    explicit Row(sptr_t<IRowSpecification> type = {}) : m_type(std::move(type)) {}
-    std::uint64_t getId() const override { return 1; }
-    sptr_t<IRowSpecification> getSpecification() const override { return m_type; }
-    sptr_t<RowNode> getParent() const override { return {}; }
-    int getChildren(RowIterator&, int, int) const override { return -1; }
-
-private:
-    sptr_t<IRowSpecification> m_type;
-};
-
 using Cells = std::map<FieldId, variant_t>;
 
-// A dataset whose rows all have the same cells.
-class OneRow final : public RefCounted<IDataset> {
-public:
-    OneRow(Cells cells, DataType type) : m_cells(std::move(cells)), m_type(type) {}
-    DataType getDataType() const override { return m_type; }
-    sptr_t<ColumnNode> getColumn(FieldId field) const override {
-        return m_cells.count(field) ? sptr_t<ColumnNode>(new Column(field)) : nullptr;
-    }
-    bool getValue(const sptr_t<RowNode>&, const sptr_t<ColumnNode>& column, int,
-                  variant_t& out) const override {
-        if (!column) return false;
-        out = m_cells.at(static_cast<FieldId>(column->getId()));
-        return true;
-    }
-    bool getString(const sptr_t<RowNode>&, const sptr_t<ColumnNode>&, int, std::string&) const override {
-        return false;
-    }
-    RowIterator getRows(int) const override { return {}; }
-    std::uint64_t getObjectId(const sptr_t<RowNode>&) const override { return 1; }
+// A dataset of one row, of no row type but the one that is given.
+inline sptr_t<IDataset> oneRow(const Cells& cells, DataType type = DataType::Cpu,
+                               std::optional<std::uint64_t> rowType = {}) {
+    return new test::Dataset({.rows = {{.cells = cells, .type = rowType}}, .type = type});
+}
 
-private:
-    Cells m_cells;
-    DataType m_type;
-};
-
-inline RoofItem makeRoof(RoofId id, const char* name, std::uint64_t giga, MemoryLevel level,
+inline RoofItem makeRoof(RoofId id, const std::string& name, std::uint64_t giga, MemoryLevel level,
                          ArithTypeExtDef type = ArithTypeExtDef::None) {
     RoofItem roof;
     roof.id = id;
@@ -144,52 +93,34 @@ private:
 };
 
 inline std::shared_ptr<CRowRooflineEngine> makeEngine(const RowCase& setup) {
-    return std::make_shared<CRowRooflineEngine>(new Row, new OneRow(setup.cells, setup.type),
+    const auto dataset = oneRow(setup.cells, setup.type);
+    return std::make_shared<CRowRooflineEngine>(*dataset->getRows(0), dataset,
                                                 std::make_shared<Strategy>(setup));
 }
 
 // Values by path, such as "loops.0.x"; a list's children are numbered, texts stand in quotes.
 using Values = std::map<std::string, std::string>;
 
-inline std::string join(const std::string& path, const std::string& name) {
-    return path.empty() ? name : path + "." + name;
-}
-
-inline void collect(const variant_bag_t& bag, const std::string& path, Values& values) {
-    const variant_t& value = bag.data();
-    if (value.kind() == variant_t::kBool)
-        values[path] = value.signedValue() ? "true" : "false";
-    else if (value.isNumber())
-        values[path] = fmt::format("{}", value.toDouble());
-    else if (value.isText())
-        values[path] = fmt::format("\"{}\"", value.text());
-    const bool isList = bag.find("arrayOf") != bag.not_found();
-    int index = 0;
-    for (const auto& [name, child] : bag)
-        if (!isList || name == "item")
-            collect(child, join(path, isList ? std::to_string(index++) : name), values);
-}
-
-inline void collect(const rapidjson::Value& value, const std::string& path, Values& values) {
+inline void collect(const test::Json& value, const std::string& path, Values& values) {
+    const std::string start = path.empty() ? "" : path + ".";
     int index = 0;
     if (value.IsObject())
-        for (const auto& member : value.GetObject())
-            collect(member.value, join(path, member.name.GetString()), values);
+        for (const auto& [name, member] : value.GetObject())
+            collect(member, start + name.GetString(), values);
     else if (value.IsArray())
-        for (const auto& item : value.GetArray()) collect(item, join(path, std::to_string(index++)), values);
-    else if (value.IsBool())
-        values[path] = value.GetBool() ? "true" : "false";
+        for (const auto& item : value.GetArray()) collect(item, start + std::to_string(index++), values);
     else if (value.IsNumber())
         values[path] = fmt::format("{}", value.GetDouble());
     else
-        values[path] = value.IsString() ? fmt::format("\"{}\"", value.GetString()) : "null";
+        values[path] = value.IsString() ? fmt::format("\"{}\"", value.GetString()) : test::textOf(value);
 }
 
-template <class Tree>
-Values valuesOf(const Tree& tree) {
+inline Values valuesOf(const test::Json& json) {
     Values values;
-    collect(tree, "", values);
+    collect(json, "", values);
     return values;
 }
+inline Values valuesOf(const std::string& text) { return valuesOf(test::parse(text)); }
+inline Values valuesOf(const variant_bag_t& bag) { return valuesOf(saveBag(bag)); }
 
 }  // namespace data_models2::row_test
