@@ -4,7 +4,9 @@
 
 #include "roofline_model/factories.h"
 
+#include "benchmarks/benchmarks.h"
 #include "benchmarks/synthetic_result.h"
+#include "benchmarks/timing.h"
 
 #include <fmt/format.h>
 #include <rapidjson/document.h>
@@ -12,7 +14,6 @@
 #include <rapidjson/writer.h>
 
 #include <algorithm>
-#include <chrono>
 #include <limits>
 #include <string>
 #include <vector>
@@ -20,24 +21,8 @@
 namespace {
 
 using namespace data_models2;
-using Clock = std::chrono::steady_clock;
 
-constexpr int kRuns = 7;
 constexpr unsigned kLoaderFlags = rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag;
-
-template <class Run>
-double seconds(Run run) {
-    const auto start = Clock::now();
-    run();
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-template <class Run>
-double best(Run run) {
-    double result = std::numeric_limits<double>::max();
-    for (int i = 0; i < kRuns; ++i) result = std::min(result, run());
-    return result;
-}
 
 // Keeps a text that is only made to be timed.
 std::size_t g_written = 0;
@@ -88,7 +73,7 @@ Timing measure(const SyntheticShape& shape, const std::string& configuration) {
 
 }  // namespace
 
-int main() {
+int runChartBenchmark() {
     embedded_host::setUpLogging(false);
     struct Case {
         const char* name;

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <map>
 #include <set>
+#include <sstream>
 
 namespace cli {
 namespace {
@@ -22,21 +23,27 @@ std::optional<double> coordinate(const Value& record, const char* name) {
 }
 
 // "L1-DRAM-" as people read it: every caption has a "-" behind it.
-std::string levelOf(std::string prefix) {
-    if (!prefix.empty() && prefix.back() == '-') prefix.pop_back();
-    std::replace(prefix.begin(), prefix.end(), '-', '+');
-    return prefix;
+// "L1-DRAM-" as its levels.
+std::vector<std::string> levelsIn(const std::string& captions) {
+    std::vector<std::string> levels;
+    std::istringstream stream(captions);
+    for (std::string level; std::getline(stream, level, '-');)
+        if (!level.empty()) levels.push_back(level);
+    return levels;
 }
 
 struct Reader {
     const Value& root;
     bool isTotal = json::number(root, "withCallstacks").value_or(0) > 0;
-    // The records of the first configuration carry no level: it is the chart's first.
-    std::string defaultLevel = levelOf(json::text(root, "memoryLevelPref"));
+    std::vector<std::string> chartLevels = levelsIn(json::text(root, "memoryLevelPref"));
     const char* timeKey = isTotal ? "totalElapsedTime" : "selfElapsedTime";
     std::optional<double> programTime = json::number(root, timeKey);
 
-    bool read(const Value& record, ChartPoint& point) const {
+    // Of the records of one row, which stand together.
+    std::string rowId = {};
+    std::set<std::string> rowLevels = {};
+
+    bool read(const Value& record, ChartPoint& point) {
         const bool hasTotal = coordinate(record, "x1") && coordinate(record, "y1");
         const auto x = coordinate(record, hasTotal ? "x1" : "x");
         const auto y = coordinate(record, hasTotal ? "y1" : "y");
@@ -46,14 +53,26 @@ struct Reader {
         point.id = json::text(record, "id");
         point.name = json::text(record, "name");
         point.location = json::text(record, "locat");
-        point.level = levelOf(json::text(record, "memoryLevelPref"));
-        if (point.level.empty()) point.level = defaultLevel.substr(0, defaultLevel.find('+'));
+        point.level = readLevel(record, point.id);
         if (const auto* types = json::member(root, "loopTypes"))
             point.type = json::text(*types, json::text(record, "type").c_str());
         if (const auto vectorised = json::number(record, "vec")) point.vectorised = *vectorised > 0;
         point.seconds = json::number(record, timeKey);
         if (point.seconds && programTime && *programTime > 0) point.share = *point.seconds / *programTime;
         return true;
+    }
+
+    // A record of several levels names those of its row's earlier records too: only its own are shown. A
+    // record of the first configuration carries no level: it is the chart's first.
+    std::string readLevel(const Value& record, const std::string& id) {
+        if (id != rowId) rowLevels.clear();
+        rowId = id;
+        auto levels = levelsIn(json::text(record, "memoryLevelPref"));
+        if (levels.empty() && !chartLevels.empty()) levels.push_back(chartLevels.front());
+        std::string own;
+        for (const auto& level : levels)
+            if (rowLevels.insert(level).second) own += (own.empty() ? "" : "+") + level;
+        return own;
     }
 };
 
@@ -89,7 +108,7 @@ ChartDocument parseChartDocument(const std::string& text) {
     const auto maxX = coordinate(root, "maxX"), maxY = coordinate(root, "maxY");
     if (minX && minY && maxX && maxY) document.bounds = ChartBounds{*minX, *minY, *maxX, *maxY};
 
-    const Reader reader{root};
+    Reader reader{root};
     for (const auto& record : json::items(root, "loops")) {
         ChartPoint point;
         if (reader.read(record, point)) document.points.push_back(std::move(point));

@@ -57,7 +57,7 @@ void addSource(CLI::App& command, ResultSource& source) {
         ->type_name("LANGUAGE");
 }
 
-void addRoofChoice(CLI::App& command, RoofChoice& roofs) {
+void addThreads(CLI::App& command, RoofChoice& roofs) {
     command
         .add_option("--threads", roofs.threads, "threads that the roofs assume; 0: those the program used")
         ->check(CLI::Range(0, 1 << 20).description(""))
@@ -67,6 +67,10 @@ void addRoofChoice(CLI::App& command, RoofChoice& roofs) {
         ->check(CLI::Range(0, 1 << 10).description(""))
         ->type_name("N");
     command.add_flag("--single", roofs.single, "roofs of one thread instead of all together");
+}
+
+void addRoofChoice(CLI::App& command, RoofChoice& roofs) {
+    addThreads(command, roofs);
     command
         .add_option("--perspective", roofs.perspective,
                     "roofs for 1 vectorised, 2 not vectorised code, 3 the whole program")
@@ -119,6 +123,79 @@ void addReaders(Commands& commands) {
         ->type_name("FILE");
 }
 
+constexpr auto kRowsFooter =
+    R"(Each row is taken by the operations that it has most of, float or integer, with its total data where
+they are there, else with its self data; without callees the two are the same. Of --config the choice of call
+stacks says whose time is shown: 0 with callees, 1 without, and then a row with callees is marked "with all
+that it calls". Its point is its stored performance and its intensity against its traffic to the core. Its
+compute roof follows from its cells: vectorised or not, FMA, type and width. Its roofs are for its own
+threads or for --threads; odd numbers are taken as the next even one.
+
+  limiting roof   the lowest memory roof that stands above the point, or the compute roof where that one
+                  stands lower over the point. "above ROOF": not even the highest memory roof stands above
+  of that roof    performance over the roof's height at the row's intensity; above a roof it is more than
+                  100 % and has a "!"
+  speed-up        the roof's height over the performance: how much faster the row would be on it, which does
+                  not say that anything can be done about it
+  nearest level roof
+                  each memory level gives a point of its own, with that level's traffic: the level's roof or
+                  the compute roof that stands nearest above any of them, by difference of performance
+  remark          why a row has no point, no roof or no levels. "above ROOF: N %!", "on ROOF": the compute
+                  roof doesn't stand above the point and was passed over; a row can't be faster than its
+                  right roof, so its cells, the machine or the measurement are wrong
+
+With --level all each memory level has a line: its traffic, the intensity against it, the level's own roof,
+how much of it is reached, and its share of the row's memory time, that is of traffic over bandwidth. A level
+above its roof has no share. "nearest above" stands on the one line whose point has the nearest roof. A row
+has levels when its float and its integer operations and each level's loads and stores are known, 0 included.
+
+--sort distance puts the largest speed-up first. JSON and CSV have full precision, units in their keys, and
+fractions in place of percent. A row without a point is listed with its cause.)";
+
+void addRowReaders(Commands& commands) {
+    auto [rows, rowsRequest] =
+        commands.add<RowsRequest>(commands.app, "rows", "Tell which roof limits each loop",
+                                  "roofline rows result.json --sort distance --top 10", runRows);
+    rows->footer(std::string(kRowsFooter) + "\n\n" + rows->get_footer());
+    addSource(*rows, rowsRequest->source);
+    addConfiguration(*rows, rowsRequest->configuration);
+    addThreads(*rows, rowsRequest->roofs);
+    const auto addChoice = [rows = rows](const char* name, std::string& value, const char* what,
+                                         const std::vector<std::string>& values) {
+        rows->add_option(name, value, what)
+            ->check(CLI::IsMember(values).description(""))
+            ->type_name(CLI::detail::join(values, "|"))
+            ->capture_default_str();
+    };
+    addChoice("--level", rowsRequest->level, "a line for each loop, or for each of its memory levels",
+              {"total", "all"});
+    addChoice("--sort", rowsRequest->sort, "largest first", {"time", "distance", "performance"});
+    rows->add_option("--top", rowsRequest->top, "show the first N loops only; 0: all")
+        ->check(CLI::Range(0, 1 << 30).description(""))
+        ->type_name("N");
+    addOutputs(*rows, rowsRequest->outputs, "the table");
+
+    auto [row, rowRequest] = commands.add<RowRequest>(commands.app, "row", "Print all details of one loop",
+                                                      "roofline row result.json 3", runRow);
+    addSource(*row, rowRequest->source);
+    row->add_option("ID", rowRequest->id, "the row's id")->required()->type_name("");
+    addConfiguration(*row, rowRequest->configuration);
+    addThreads(*row, rowRequest->roofs);
+    row->add_flag("--bags", rowRequest->bags, "print its property bags: roofline, memoryMetrics, bottleneck");
+
+    auto [loop, loopRequest] =
+        commands.add<LoopRequest>(commands.app, "loop", "Print the details of the loops that a request names",
+                                  "roofline loop result.json --request '{\"item\":[\"3\"]}'", runLoop);
+    addSource(*loop, loopRequest->source);
+    addConfiguration(*loop, loopRequest->configuration);
+    loop->add_option("--request", loopRequest->request,
+                     "a list \"item\" of ids, and threadCount (chooses packages; a row's own threads count), "
+                     "packageCount, useSTRoofsStrategy; - for stdin")
+        ->type_name("JSON");
+    loop->add_option("--id", loopRequest->ids, "a loop's id, in place of a request; may be repeated")
+        ->type_name("ID");
+}
+
 void addTarget(CLI::App& command, std::string& output, bool& force) {
     command.add_option("-o,--output", output, "file to write; default: stdout")->type_name("FILE");
     command.add_flag("--force", force, "replace an existing file");
@@ -169,6 +246,7 @@ void addAll(Commands& commands) {
         "Exit codes: 0 done, 1 bad data or no answer, 2 wrong usage, 130 cancelled.\n"
         "Example:\n  roofline chart result.json --svg chart.svg --table");
     addReaders(commands);
+    addRowReaders(commands);
     addImports(commands);
 }
 

@@ -3,6 +3,7 @@
 
 #include "cli/console.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -54,6 +55,28 @@ struct ChartRequest {
     std::optional<std::string> configuration;
     RoofChoice roofs;
 };
+struct RowsRequest {
+    ResultSource source;
+    Outputs outputs;
+    std::optional<std::string> configuration;
+    RoofChoice roofs;
+    std::string level = "total";  // or "all"
+    std::string sort = "time";    // or "distance", "performance"
+    int top = 0;                  // 0: all
+};
+struct RowRequest {
+    ResultSource source;
+    std::uint64_t id = 0;
+    std::optional<std::string> configuration;
+    RoofChoice roofs;
+    bool bags = false;
+};
+struct LoopRequest {
+    ResultSource source;
+    std::optional<std::string> configuration;
+    std::string request;  // JSON, or "-" for stdin
+    std::vector<std::uint64_t> ids;
+};
 struct ImportCsvRequest {
     std::string file;
     std::vector<std::string> map;  // FIELD=COLUMN[*FACTOR]
@@ -78,6 +101,9 @@ int runOptions(const OptionsRequest&, Console&);
 int runThreads(const ThreadsRequest&, Console&);
 int runRoofs(const RoofsRequest&, Console&);
 int runChart(const ChartRequest&, Console&);
+int runRows(const RowsRequest&, Console&);
+int runRow(const RowRequest&, Console&);
+int runLoop(const LoopRequest&, Console&);
 int runImportCsv(const ImportCsvRequest&, Console&);
 int runImportRoofs(const ImportRoofsRequest&, Console&);
 

@@ -41,6 +41,9 @@ constexpr std::array<TrafficFields, 6> kTraffic{{
     {"", FieldId::SelfMemL1, FieldId::None, FieldId::TotalMem, FieldId::None},
 }};
 
+constexpr auto kMissingTraffic = "no traffic", kMissingTime = "no time",
+               kMissingOther = "other values missing";
+
 enum Cause : std::size_t { kOps, kTrafficCause, kTime, kCaller, kOther, kCauses };
 
 std::set<std::string> optionsOf(const std::string& configuration) {
@@ -75,21 +78,6 @@ private:
     std::vector<sptr_t<ColumnNode>> m_columns;
 };
 
-// Every row below the top ones too, parents first.
-template <class Function>
-void forEachRow(const Dataset& dataset, Function function) {
-    std::vector<Row> rows;
-    for (auto row = dataset->getRows(0); !row.isEnd(); ++row) rows.push_back(*row);
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        const auto row = rows[i];
-        if (!row) continue;
-        function(row);
-        RowIterator children;
-        if (row->getChildren(children, 0, 1) < 0) continue;
-        for (; !children.isEnd(); ++children) rows.push_back(*children);
-    }
-}
-
 bool isChartRow(const Row& row) {
     const auto specification = row->getSpecification();
     return specification && (specification->getRowType() & kNoChartRow) == 0;
@@ -120,6 +108,36 @@ std::vector<FieldId> trafficFields(const std::set<std::string>& options, bool is
 
 }  // namespace
 
+void forEachRow(const Dataset& dataset, const RowVisit& visit) {
+    if (!dataset) return;
+    std::vector<Row> rows;
+    for (auto row = dataset->getRows(0); !row.isEnd(); ++row) rows.push_back(*row);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const auto row = rows[i];
+        if (!row) continue;
+        visit(row);
+        RowIterator children;
+        if (row->getChildren(children, 0, 1) < 0) continue;
+        for (; !children.isEnd(); ++children) rows.push_back(*children);
+    }
+}
+
+void forEachChartRow(const Dataset& dataset, const RowVisit& visit) {
+    forEachRow(dataset, [&](const Row& row) {
+        if (isChartRow(row)) visit(row);
+    });
+}
+
+std::string missingOf(const Row& row, const Dataset& dataset, bool isTotal) {
+    const auto& operations = operationFields({"b"});
+    if (!Cells(dataset, {isTotal ? operations.total : operations.self}).anyAboveZero(row))
+        return operations.missing;
+    if (!Cells(dataset, trafficFields({}, isTotal)).anyAboveZero(row)) return kMissingTraffic;
+    if (!Cells(dataset, {isTotal ? FieldId::TotalElapsedTime : FieldId::SelfElapsedTime}).anyAboveZero(row))
+        return kMissingTime;
+    return kMissingOther;
+}
+
 RowCount countRows(const Dataset& rows, const Dataset& tree, const ChartDocument& document,
                    const std::string& configuration) {
     RowCount count;
@@ -144,14 +162,13 @@ RowCount countRows(const Dataset& rows, const Dataset& tree, const ChartDocument
         if (!time.anyAboveZero(row)) return kTime;
         return hidden.count(row->getId()) ? kCaller : kOther;
     };
-    forEachRow(dataset, [&](const Row& row) {
-        if (!isChartRow(row)) return;
+    forEachChartRow(dataset, [&](const Row& row) {
         ++count.rows;
         drawn.count(std::to_string(row->getId())) ? ++count.drawn : ++counts[causeOf(row)];
     });
 
-    const std::array<const char*, kCauses> names{operations.missing, "no traffic", "no time",
-                                                 "caller not on the chart", "other values missing"};
+    const std::array<const char*, kCauses> names{operations.missing, kMissingTraffic, kMissingTime,
+                                                 "caller not on the chart", kMissingOther};
     for (std::size_t i = 0; i < kCauses; ++i)
         if (counts[i] > 0) count.unplaced.push_back({names[i], counts[i]});
     return count;
@@ -165,7 +182,7 @@ bool hasOperations(const Dataset& rows, const std::string& operations) {
     if (!rows) return false;
     const Cells ops(rows, {operationFields({operations}).self});
     bool found = false;
-    forEachRow(rows, [&](const Row& row) { found = found || (isChartRow(row) && ops.anyAboveZero(row)); });
+    forEachChartRow(rows, [&](const Row& row) { found = found || ops.anyAboveZero(row); });
     return found;
 }
 

@@ -6,6 +6,7 @@
 #include "cli/chart_document.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,15 @@ struct RowCount {
 RowCount countRows(const data_models2::sptr_t<data_models2::IDataset>& rows,
                    const data_models2::sptr_t<data_models2::IDataset>& tree, const ChartDocument& document,
                    const std::string& configuration);
+
+using RowVisit = std::function<void(const data_models2::sptr_t<data_models2::RowNode>&)>;
+// Every row, parents before their children; none of a null dataset.
+void forEachRow(const data_models2::sptr_t<data_models2::IDataset>& dataset, const RowVisit& visit);
+// Of these, the ones that a chart could draw.
+void forEachChartRow(const data_models2::sptr_t<data_models2::IDataset>& dataset, const RowVisit& visit);
+// What a row without a point of any operations lacks: "no operations", "no traffic", ...
+std::string missingOf(const data_models2::sptr_t<data_models2::RowNode>& row,
+                      const data_models2::sptr_t<data_models2::IDataset>& dataset, bool isTotal);
 
 // The option value of operations ("f", "i", "b") of a configuration.
 std::string operationsOf(const std::string& configuration);

@@ -8,6 +8,7 @@
 #include "host_interfaces/roofline_services.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -42,6 +43,30 @@ inline constexpr std::size_t kMaxMessageArguments = 3;
 // The text form of a variant: integers in decimal, floating kinds through a default stream, texts as they
 // are, an empty text for all else.
 OMBRIX_API std::string toText(const variant_t& value);
+
+// A number for people: `precision` digits behind the point, or as many as show that it isn't 0, then `unit`
+// when there is one. What is nearer to 0 than `smallest` is written as "< smallest" or "> -smallest"; "N/A"
+// for a value that isn't finite.
+OMBRIX_API std::string double2str(double value, const std::string& unit, int precision, double smallest);
+OMBRIX_API std::string int2str(long long value);
+
+// A bag from and to JSON. Non-negative integers become kind 7 (larger ones 9), negative ones 6 or 8, other
+// numbers doubles; an array is a bag of "item" children beside "arrayOf". Loading is false, with `bag` as it
+// was, for a text that is no JSON object or nested deeper than a bag can safely be. Saving writes the first
+// of the children of one name, and null for what JSON can't say.
+OMBRIX_API bool loadBag(const std::string& json, variant_bag_t& bag);
+OMBRIX_API std::string saveBag(const variant_bag_t& bag);
+
+// Counts of a row's instructions by class; the numbers of the classes are the host's.
+using InstructionMix = std::map<int, variant_t>;
+// Empty when the row's mix isn't known.
+OMBRIX_API InstructionMix getInstructionMixMap(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset);
+
+namespace isa_helpers {
+// The largest width in bits among the types of a base name ("int", "float") in a lower-case text of data
+// types, such as "float32, int64"; 0 when there is none.
+OMBRIX_API unsigned getTypeMaxWidth(const std::string& text, const std::string& base);
+}  // namespace isa_helpers
 
 namespace roof {
 // Float for a compute roof of a float type, Int for an integer type, Undefined for a memory roof and a type

@@ -131,6 +131,9 @@ enum class ArithTypeExtDef : std::uint32_t {
     Int64 = 9,
 };
 
+// Which table of a row's memory levels is meant.
+enum class RooflineMemoryValuesType : int { Utilization = 0, Traffic = 1, Time = 2 };
+
 // Whose memory levels are meant when a level is named.
 enum class TargetDeviceType : int { Cpu = 1, Gpu = 2 };
 

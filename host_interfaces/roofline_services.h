@@ -23,6 +23,39 @@ public:
     virtual ~ISummaryDataProvider() = default;
 };
 
+// The roofline of one row, worked out when it is made; afterwards it is read-only and safe to read from
+// several threads. No exception leaves an operation; what isn't known is an empty value.
+class OMBRIX_API IRowRooflineInfo {
+public:
+    virtual ~IRowRooflineInfo() = default;
+    // The total point; its operations type is Undefined when the row has none.
+    virtual RooflinePoint getPoint() const = 0;
+    // The points by memory level, ascending from the core.
+    virtual std::vector<RooflinePoint> getMemLevelPoints() const = 0;
+    // The memory roofs that apply to the row, ascending by value.
+    virtual std::vector<RoofItem> getMemoryRoofs() const = 0;
+    // The compute roof of a type that applies to the row; Undefined asks for the row's own type. A default
+    // roof (id 0) when there is none.
+    virtual RoofItem getComputeRoof(OperationsType type) const = 0;
+    // Of the total point (true) or the one nearest above any memory-level point (false).
+    virtual LimitingRoof getLimitingRoof(bool total) const = 0;
+    // Whether the row has a point, roofs and what limits it.
+    virtual bool isValid() const = 0;
+    // The details of the row as bags: its small chart, its memory tables, its bottleneck with further
+    // messages.
+    virtual variant_bag_t getRooflineVariantBag() const = 0;
+    virtual variant_bag_t getMemoryMetricsVariantBag() const = 0;
+    virtual variant_bag_t getBotteleneckVariantBag(std::vector<std::string> messages) const = 0;
+    virtual bool areTotalMetricsAvailable() const = 0;
+    virtual bool areMemLevelMetricsAvailable() const = 0;
+    // At most one entry a level, percent; empty when the table wasn't made.
+    virtual std::vector<MemoryValue> getMemoryValues(RooflineMemoryValuesType type) const = 0;
+    // All of the row's details, a JSON object.
+    virtual std::string getRooflineData() const = 0;
+    // Adds roofs that only this kind of analysis has.
+    virtual void extendMemoryRoofs(std::vector<RoofItem>& roofs) const = 0;
+};
+
 // The roofline of a whole result. No exception leaves an operation (but for the one told above): what can't
 // be answered is answered with an empty text, `false`, or a document that says why. All calls of one object
 // come from one thread, the one on which the view model raises its load signal.
@@ -50,7 +83,7 @@ public:
     virtual std::string getSelectedRoofs(const std::string& configuration, Perspective perspective) const = 0;
     // Cores, packages and used threads, a JSON object.
     virtual std::string getThreadsInfo() const = 0;
-    // The details of the loops that `request` names, a JSON object.
+    // The details of the loops that `request` names, a JSON array.
     virtual std::string getLoopAdditionalInfo(const std::string& request,
                                               std::shared_ptr<IResultController> controller,
                                               const std::string& configuration) const = 0;
@@ -60,8 +93,9 @@ public:
     // The values of a matched pair of rows, a JSON object.
     virtual std::string getComparisonData(const ComparisonData& data, const std::string& ids,
                                           const std::string& configuration) const = 0;
-    // Of one row: float work dominates (1, 0; 2 unknown), width of its floats (0 single, 1 double; 2
-    // unknown), width of its integers (0 to 6 for 4 to 256 bits; 7 unknown).
+    // Of one row of the dataset of self data; of any other row nothing is known. Float work dominates: 1, 0
+    // (also when the row's instruction mix isn't known), 2 unknown. Width of its floats: 0 single, 1 double,
+    // 2 unknown. Width of its integers: 0 to 6 for 4 to 256 bits, 7 unknown.
     virtual int getDominatingOperationType(sptr_t<RowNode> row) const = 0;
     virtual int getDominatingFloatType(sptr_t<RowNode> row) const = 0;
     virtual int getDominatingIntType(sptr_t<RowNode> row) const = 0;

@@ -43,8 +43,14 @@ sptr_t<IDataset> EngineCore::getRooflineDatasetForConfiguration(const RooflineCo
                                                                 sptr_t<IDataset> first,
                                                                 sptr_t<IDataset> second) const {
     if (!m_viewModel || configurations.empty()) return nullptr;
-    if (!first) first = m_viewModel->getDataset(m_kind.rows);
-    if (!second) second = m_viewModel->getDataset(m_kind.totals);
+    return chooseDataset(m_kind, *m_viewModel, configurations, std::move(first), std::move(second));
+}
+
+sptr_t<IDataset> EngineCore::chooseDataset(const AnalysisKind& kind, const IViewModelBase& viewModel,
+                                           const RooflineConfigurations& configurations,
+                                           sptr_t<IDataset> first, sptr_t<IDataset> second) {
+    if (!first) first = viewModel.getDataset(kind.rows);
+    if (!second) second = viewModel.getDataset(kind.totals);
     return configurations.begin()->hasType("1") || !second ? first : second;
 }
 

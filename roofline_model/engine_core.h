@@ -35,6 +35,10 @@ public:
     sptr_t<IDataset> getRooflineDatasetForConfiguration(const RooflineConfigurations& configurations,
                                                         sptr_t<IDataset> first,
                                                         sptr_t<IDataset> second) const;
+    // The same for any view model; `configurations` aren't empty.
+    static sptr_t<IDataset> chooseDataset(const AnalysisKind& kind, const IViewModelBase& viewModel,
+                                          const RooflineConfigurations& configurations,
+                                          sptr_t<IDataset> first, sptr_t<IDataset> second);
     // The chart document. `memoryLevels` as measured, 1 when only the core's traffic was.
     std::string getRooflineData(const sptr_t<IDataset>& first, const sptr_t<IDataset>& second,
                                 const std::string& configuration, int memoryLevels);

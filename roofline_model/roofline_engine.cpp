@@ -1,14 +1,17 @@
 #include "roofline_model/roofline_engine.h"
 
+#include "host_interfaces/comparison.h"
 #include "host_interfaces/host_functions.h"
 
+#include "roofline_model/bag_helpers.h"
 #include "roofline_model/guard.h"
 #include "roofline_model/logging.h"
+#include "roofline_model/loop_details.h"
 #include "roofline_model/roof_catalogue.h"
+#include "roofline_model/threading.h"
 #include "roofline_model/unified/option_tables.h"
 
-#include <algorithm>
-
+#include <boost/property_tree/ptree.hpp>
 namespace data_models2 {
 
 using roofline::guarded;
@@ -16,11 +19,6 @@ using roofline::guarded;
 namespace {
 
 constinit const roofline::LogChannel kLog{"roofline_engine"};
-
-// What the queries of a row's types answer while nothing is known of it.
-constexpr int kUnknownOperationType = 2;
-constexpr int kUnknownFloatType = 2;
-constexpr int kUnknownIntType = 7;
 
 // Deliberate: unlike the chart, roofs stand at mixed operations when nothing is said.
 OperationsType roofOperationsOf(const std::string& configuration, const EngineCore::Options& options) {
@@ -70,17 +68,9 @@ void CRooflineEngine::onSurveyResultLoaded(IViewModelBase::LoadType type, const 
     });
 }
 
-ThreadsInfo CRooflineEngine::getThreadsInfoStruct() const {
-    if (!m_viewModel) return {};
-    const int physical = m_viewModel->getPhysicalCoreCount();
-    return {.physicalCoreCount = physical > 0 ? physical : m_viewModel->getLogicalCoreCount(),
-            .processorPackageCount = std::max(1, m_viewModel->getPackageCount()),
-            .usedNumberOfThreads = m_viewModel->getUsedThreadCount()};
-}
+ThreadsInfo CRooflineEngine::getThreadsInfoStruct() const { return roofline::getThreadsInfo(m_viewModel); }
 
-int CRooflineEngine::getMemoryLevelsCount() const {
-    return m_viewModel ? std::max(1, static_cast<int>(m_viewModel->getMemoryLevelNames().size())) : 1;
-}
+int CRooflineEngine::getMemoryLevelsCount() const { return roofline::getMemoryLevelsCount(m_viewModel); }
 
 void CRooflineEngine::loadSummaryData(int kind, const std::function<void(const std::string&)>& callback) {
     if (kind != 0) callback(std::string());
@@ -151,18 +141,54 @@ std::string CRooflineEngine::getRooflineConfigurationStr(const std::vector<std::
 
 std::string CRooflineEngine::getSelectedRoofs(const std::string&, Perspective) const { return {}; }
 
-std::string CRooflineEngine::getLoopAdditionalInfo(const std::string&, std::shared_ptr<IResultController>,
-                                                   const std::string&) const {
-    return {};
+std::string CRooflineEngine::getLoopAdditionalInfo(const std::string& request,
+                                                   std::shared_ptr<IResultController>,
+                                                   const std::string& configuration) const {
+    return guarded(std::string(), [&] {
+        return LoopDetails(m_core, m_viewModel, getMemoryLevelsCount())
+            .getLoopAdditionalInfo(request, configuration);
+    });
 }
 
-std::string CRooflineEngine::getComparisonData(const ComparisonData&, const std::string&,
-                                               const std::string&) const {
-    return {};
+// `ids` is a bag with the object ids "first" and "second".
+std::string CRooflineEngine::getComparisonData(const ComparisonData& data, const std::string& ids,
+                                               const std::string& configuration) const {
+    return guarded(std::string(), [&]() -> std::string {
+        variant_bag_t bag;
+        if (!m_core.options() || !loadBag(ids, bag)) return {};
+        const auto side = [&](const std::string& name,
+                              const std::shared_ptr<ISurveyingViewModel>& viewModel) {
+            const auto id = bag.find(name);
+            const auto objectId = id == bag.not_found() ? std::string() : toText(id->second.data());
+            return VBagAttr<variant_bag_t>{
+                name, LoopDetails(m_core, viewModel, roofline::getMemoryLevelsCount(viewModel))
+                          .getObjectBag(objectId, configuration)};
+        };
+        variant_bag_t result;
+        VBagHelper::addAttribute(result, VBagAttr<std::string>{"conf", configuration});
+        VBagHelper::addAttribute(result, side("first", data.first));
+        VBagHelper::addAttribute(result, side("second", data.second));
+        return saveBag(result);
+    });
 }
 
-int CRooflineEngine::getDominatingOperationType(sptr_t<RowNode>) const { return kUnknownOperationType; }
-int CRooflineEngine::getDominatingFloatType(sptr_t<RowNode>) const { return kUnknownFloatType; }
-int CRooflineEngine::getDominatingIntType(sptr_t<RowNode>) const { return kUnknownIntType; }
+int CRooflineEngine::getDominatingOperationType(sptr_t<RowNode> row) const {
+    return guarded(DominatingTypeHelper::kUnknownOperationType,
+                   [&]() -> int { return makeTypeHelper().getDominatingOperationType(row); });
+}
+
+int CRooflineEngine::getDominatingFloatType(sptr_t<RowNode> row) const {
+    return guarded(DominatingTypeHelper::kUnknownFloatType,
+                   [&] { return makeTypeHelper().getDominatingFloatType(row); });
+}
+
+int CRooflineEngine::getDominatingIntType(sptr_t<RowNode> row) const {
+    return guarded(DominatingTypeHelper::kUnknownIntType,
+                   [&] { return makeTypeHelper().getDominatingIntType(row); });
+}
+
+DominatingTypeHelper CRooflineEngine::makeTypeHelper() const {
+    return DominatingTypeHelper(m_viewModel ? m_viewModel->getDataset(m_core.kind().rows) : nullptr);
+}
 
 }  // namespace data_models2

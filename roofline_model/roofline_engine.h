@@ -3,6 +3,7 @@
 
 #include "host_interfaces/roofline_services.h"
 
+#include "roofline_model/dominating_type_helper.h"
 #include "roofline_model/engine_core.h"
 #include "roofline_model/rabbit.h"
 
@@ -50,6 +51,7 @@ public:
 
 private:
     void rebuildOptions();
+    DominatingTypeHelper makeTypeHelper() const;
     void getRoofsImp(rabbit::array& array, const std::string& configuration,
                      const RoofThreadingFeatures& features, Perspective perspective) const;
 

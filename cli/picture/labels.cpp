@@ -11,8 +11,9 @@
 namespace cli::picture {
 namespace {
 
-constexpr double kCell = 4.0;  // raster, pixels
-constexpr double kGap = 4.0;   // between a label and its line or mark
+constexpr double kCell = 4.0;       // raster, pixels
+constexpr double kGap = 4.0;        // between a label and its line or mark
+constexpr double kCoverCost = 5.0;  // of a label that lies on marks, by the part of it
 constexpr double kHalfHeight = kLabelSize * 0.62;
 
 Box boxOf(const std::string& text, const Point& center, double angle = 0.0) {
@@ -106,7 +107,7 @@ std::optional<Label> LabelPlacer::placeOnRoof(const std::string& text, std::size
             const double place = kFarCost * along / size + (side > 0 ? 0.0 : belowCost);
             if (place >= bestCost || !isFree(box) || roofsCrossing(box, isMemory, roof) > 0) continue;
             const auto crossed = static_cast<double>(roofsCrossing(box, !isMemory, roof));
-            const double cost = place + 2.0 * coverage(box) + kRoofCost * crossed;
+            const double cost = place + kCoverCost * coverage(box) + kRoofCost * crossed;
             if (cost < bestCost) best = Label{Label::Kind::Roof, text, box, {}}, bestCost = cost;
         }
     return best ? std::optional(take(*best)) : std::nullopt;
@@ -130,9 +131,10 @@ std::optional<Label> LabelPlacer::placeAtMark(const std::string& text, const Poi
                           center.y + s * (distance + box.halfHeight)};
             if (!isFree(box)) continue;
             const double covered = coverage(box);
-            const double cost = covered + kDistanceCost * static_cast<double>(i) + 0.002 * direction +
-                                kRoofCost * static_cast<double>(roofsCrossing(box, true, none) +
-                                                                roofsCrossing(box, false, none));
+            const double cost =
+                kCoverCost * covered + kDistanceCost * static_cast<double>(i) + 0.002 * direction +
+                kRoofCost *
+                    static_cast<double>(roofsCrossing(box, true, none) + roofsCrossing(box, false, none));
             if (covered > kTooCovered || cost >= bestCost) continue;
             Label label{kind, text, box, {}};
             if (kDistances[i] > kLeaderFrom) {

@@ -4,6 +4,8 @@
 #include "host_interfaces/ids.h"
 #include "host_interfaces/values.h"
 
+#include "embedded_host/result/instruction_mixes.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -74,7 +76,8 @@ struct RowTable {
     std::vector<std::uint32_t> ends;     // the first row that isn't below this one
     std::vector<std::uint32_t> childCounts;
     std::array<std::shared_ptr<Column>, kFieldCount> columns;  // by slot; null: the field is nowhere
-    bool hasTree = false;                                      // some row has children
+    InstructionMixes mixes;
+    bool hasTree = false;  // some row has children
 
     std::size_t size() const noexcept { return ids.size(); }
     std::uint64_t objectId(std::size_t row) const {

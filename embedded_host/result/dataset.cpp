@@ -3,6 +3,8 @@
 
 #include "host_interfaces/host_functions.h"
 
+#include "embedded_host/services/instruction_mix.h"
+
 namespace embedded_host {
 namespace {
 using namespace data_models2;
@@ -59,7 +61,7 @@ std::size_t placeOf(const std::vector<Item>& items, const Node* node) noexcept {
     return (address(node) - address(items.data())) / sizeof(Item);
 }
 
-class Dataset final : public RefCounted<IDataset> {
+class Dataset final : public RefCounted<IDataset>, public IInstructionMixSource {
 public:
     Dataset(std::shared_ptr<const RowTable> table, DataType type, RowOrder order)
         : m_table(std::move(table)), m_rows(m_table->size(), Row(*this)), m_type(type), m_order(order) {
@@ -96,6 +98,14 @@ public:
     std::uint64_t getObjectId(const sptr_t<RowNode>& row) const override {
         const auto place = placeOf(m_rows, row.get());
         return place < m_rows.size() ? m_table->objectId(place) : 0;
+    }
+
+    InstructionMix instructionMix(const RowNode& row) const override {
+        InstructionMix mix;
+        const auto place = placeOf(m_rows, &row);
+        const auto take = [&](int number, std::int64_t count) { mix.emplace_hint(mix.end(), number, count); };
+        if (place < m_rows.size()) m_table->mixes.forEach(place, take);
+        return mix;
     }
 
     const RowTable& table() const { return *m_table; }

@@ -97,7 +97,7 @@ private:
         m_rows.push_back(&row);
         if (cells && !cells->IsObject()) m_file.refuse(*cells, "an object of cells by field name");
         m_cells.push_back(cells);
-        if (mix) checkMix(*mix);
+        if (mix) readMix(m_table.size() - 1, *mix);
         if (boundedBy) m_file.text(*boundedBy);
         return children;
     }
@@ -110,22 +110,28 @@ private:
         return bits | (executed && !m_file.boolean(*executed) ? row_type::kNotExecuted : 0);
     }
 
-    // A mix is checked and not kept: no chart reads it yet.
-    void checkMix(const JsonValue& mix) const {
+    void readMix(std::size_t row, const JsonValue& mix) {
         if (!mix.IsObject()) m_file.refuse(mix, "an object of instruction counts by class number");
-        std::vector<std::uint32_t> keys;
-        for (auto member = mix.MemberBegin(); member != mix.MemberEnd(); ++member) {
-            const auto name = textOf(member->name);
-            std::uint32_t key = 0;
-            const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), key);
-            if (error != std::errc() || end != name.data() + name.size()) {
-                m_file.fail(member->name, "expected the number of an instruction class");
-            }
-            if (std::find(keys.begin(), keys.end(), key) != keys.end())
-                m_file.fail(member->name, "repeated class");
-            keys.push_back(key);
-            m_file.integer(member->value, 0, kMaxInt64);
-        }
+        m_mix.clear();
+        for (auto member = mix.MemberBegin(); member != mix.MemberEnd(); ++member)
+            m_mix.emplace_back(readClass(member->name), &*member);
+        std::stable_sort(m_mix.begin(), m_mix.end(),
+                         [](const auto& a, const auto& b) { return a.first < b.first; });
+        const auto twin = std::adjacent_find(m_mix.begin(), m_mix.end(),
+                                             [](const auto& a, const auto& b) { return a.first == b.first; });
+        if (twin != m_mix.end()) m_file.fail((twin + 1)->second->name, "repeated class");
+        for (const auto& [number, member] : m_mix)
+            m_table.mixes.add(row, number,
+                              static_cast<std::int64_t>(m_file.integer(member->value, 0, kMaxInt64)));
+    }
+
+    int readClass(const JsonValue& name) const {
+        const auto text = textOf(name);
+        std::uint32_t number = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        if (error != std::errc() || end != text.data() + text.size() || number > INT32_MAX)
+            m_file.fail(name, "expected the number of an instruction class");
+        return static_cast<int>(number);
     }
 
     // Ids mostly ascend; only when they don't is it worth sorting them.
@@ -194,6 +200,7 @@ private:
     RowTable m_table;
     std::vector<const JsonValue*> m_rows;
     std::vector<const JsonValue*> m_cells;
+    std::vector<std::pair<int, const JsonValue::Member*>> m_mix;  // of one row, by class
     std::vector<std::size_t> m_order;  // slot of the field at each position of the last rows' cells
     TextPool m_texts;
     bool m_hasSources = false;

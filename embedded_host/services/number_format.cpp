@@ -12,6 +12,10 @@
 namespace embedded_host {
 namespace {
 
+int exponentOf(const std::string& scientific) {
+    return std::atoi(scientific.c_str() + scientific.find('e') + 1);
+}
+
 // From here on a plain decimal number is harder to read than one with an exponent.
 constexpr int kSmallestExponent = -5;
 constexpr int kLargestExponent = 15;
@@ -23,6 +27,17 @@ std::string withoutTrailingZeros(std::string text) {
     return text;
 }
 
+// Fixed digits behind the point, but more of them rather than a 0 for what isn't 0, and an exponent where
+// neither would be readable.
+std::string fixedDigits(double value, int precision) {
+    if (std::abs(value) > std::pow(10.0, kLargestExponent)) return fmt::format("{:.{}e}", value, precision);
+    const auto text = fmt::format("{:.{}f}", value, precision);
+    if (value == 0.0 || text.find_first_of("123456789") != std::string::npos) return text;
+    const auto scientific = fmt::format("{:.0e}", value);
+    const auto exponent = exponentOf(scientific);
+    return exponent < -kLargestExponent ? scientific : fmt::format("{:.{}f}", value, -exponent);
+}
+
 }  // namespace
 
 // Digits before the decimal point are never rounded away: 1234567 stays so with three significant digits.
@@ -32,7 +47,7 @@ std::string formatNumber(double value, int significantDigits) {
     const auto digits = std::clamp(significantDigits, 1, 17);
     // The exponent after rounding: 9.996 with three digits has that of 10.0.
     const auto scientific = fmt::format("{:.{}e}", value, digits - 1);
-    const auto exponent = std::atoi(scientific.c_str() + scientific.find('e') + 1);
+    const auto exponent = exponentOf(scientific);
     if (exponent < kSmallestExponent || exponent > kLargestExponent)
         return fmt::format("{:.{}g}", value, digits);
     return withoutTrailingZeros(fmt::format("{:.{}f}", value, std::max(0, digits - 1 - exponent)));
@@ -49,5 +64,18 @@ std::string toText(const variant_t& value) {
     const auto isUnsigned = value.kind() % 2 == 1;
     return isUnsigned ? fmt::format("{}", value.unsignedValue()) : fmt::format("{}", value.signedValue());
 }
+
+// A `smallest` that isn't above 0 cuts nothing off. 0 is shown without a sign.
+std::string double2str(double value, const std::string& unit, int precision, double smallest) {
+    if (!std::isfinite(value)) return "N/A";
+    const auto digits = std::clamp(precision, 0, 17);
+    const auto shown = value == 0.0 || !(std::abs(value) < smallest)
+                           ? embedded_host::fixedDigits(value == 0.0 ? 0.0 : value, digits)
+                       : value > 0.0 ? fmt::format("< {}", smallest)
+                                     : fmt::format("> -{}", smallest);
+    return unit.empty() ? shown : fmt::format("{} {}", shown, unit);
+}
+
+std::string int2str(long long value) { return fmt::format("{}", value); }
 
 }  // namespace data_models2

@@ -16,6 +16,15 @@ std::string getFieldStringId(FieldId field) { return std::to_string(static_cast<
 sptr_t<IDatasetHelper> createDatasetHelper(const sptr_t<IDataset>&) { return nullptr; }
 std::shared_ptr<const IMessageCatalogue> loadMessageCatalogue(const std::string&) { return nullptr; }
 std::string toText(const variant_t&) { return {}; }
+std::string double2str(double value, const std::string&, int, double) { return std::to_string(value); }
+std::string int2str(long long value) { return std::to_string(value); }
+bool loadBag(const std::string&, variant_bag_t&) { return false; }
+std::string saveBag(const variant_bag_t&) { return "{}"; }
+InstructionMix getInstructionMixMap(const sptr_t<RowNode>&, const sptr_t<IDataset>&) { return {}; }
+
+namespace isa_helpers {
+unsigned getTypeMaxWidth(const std::string&, const std::string&) { return 0; }
+}  // namespace isa_helpers
 
 namespace roof {
 OperationsType getOperationsType(const RoofItem&) { return OperationsType::Float; }

@@ -7,13 +7,10 @@
 
 #include "cli/chart_document.h"
 #include "cli/unplaced_rows.h"
+#include "tests/cli/program_run.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <sstream>
 
 namespace cli {
 namespace {
@@ -22,38 +19,10 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
+using test::run;
+using Program = test::FolderTest;
+
 const std::string kExample = OMBRIX_SOURCE_DIR "/examples/quick/result.json";
-
-struct Run {
-    int code;
-    std::string out, err;
-};
-
-Run run(std::vector<std::string> arguments) {
-    std::vector<const char*> argv{"roofline"};
-    for (const auto& argument : arguments) argv.push_back(argument.c_str());
-    std::ostringstream out, err;
-    Console console{out, err};
-    const auto code = runRoofline(static_cast<int>(argv.size()), argv.data(), console);
-    return {code, out.str(), err.str()};
-}
-
-// A folder for the files of one test.
-class Program : public ::testing::Test {
-protected:
-    Program() {
-        auto name = (std::filesystem::temp_directory_path() / "roofline-XXXXXX").string();
-        m_folder = mkdtemp(name.data());
-    }
-    ~Program() override { std::filesystem::remove_all(m_folder); }
-    std::string path(const char* name) const { return (m_folder / name).string(); }
-    std::string file(const char* name, const std::string& text) const {
-        embedded_host::writeFile(path(name), text, true);
-        return path(name);
-    }
-
-    std::filesystem::path m_folder;
-};
 
 std::string resultText(const std::string& rows) {
     return R"({"format": "roofline-result", "version": 1, "kind": "cpu",
@@ -62,56 +31,38 @@ std::string resultText(const std::string& rows) {
 }
 
 TEST_F(Program, RefusesWrongUsageWithOneLine) {
-    struct Row {
-        std::vector<std::string> arguments;
-        int code;
-        const char* reason;
-    };
     const auto twice = path("x.json");
-    const Row rows[] = {
+    const std::tuple<std::vector<std::string>, int, const char*> rows[] = {
         {{}, kUsage, "subcommand"},
-        {{"chrat", kExample}, kUsage, "chrat"},
         {{"chart"}, kUsage, "RESULT"},
         {{"chart", kExample, "--bogus"}, kUsage, "--bogus"},
         {{"chart", kExample, "--threads", "many"}, kUsage, "--threads"},
-        {{"chart", kExample, "--perspective", "4"}, kUsage, "--perspective"},
         {{"chart", kExample, "--config", "f-L9"}, kUsage, "L9"},
-        {{"chart", kExample, "--json", "-", "--csv", "-"}, kUsage, "stdout"},
         {{"chart", kExample, "--json", "-", "--table"}, kUsage, "stdout"},
         {{"chart", kExample, "--json", twice, "--svg", twice}, kUsage, "same file"},
         {{"chart", kExample, "--language", "xx"}, kUsage, "xx"},
-        {{"import"}, kUsage, "subcommand"},
         {{"import", "csv", "t.csv"}, kUsage, "--map"},
         {{"import", "csv", "t.csv", "--map", "NoEqualSign"}, kUsage, "FIELD=COLUMN"},
         {{"import", "csv", "t.csv", "--map", "A=b*inf"}, kUsage, "finite"},
         {{"import", "csv", "t.csv", "--map", "A=b", "--join", "u.csv"}, kUsage, "--on"},
         {{"import", "csv", "t.csv", "--map", "A=b", "--kind", "fpga"}, kUsage, "--kind"},
         {{"chart", path("missing.json")}, kNoAnswer, "missing.json"},
-        {{"chart", kExample, "--machine", path("missing.json")}, kNoAnswer, "missing.json"},
         {{"chart", kExample, "--json", path("no/such/folder.json")}, kNoAnswer, "folder.json"},
     };
-    for (const auto& row : rows) {
-        const auto result = run(row.arguments);
-        SCOPED_TRACE(result.err);
-        EXPECT_EQ(result.code, row.code);
-        EXPECT_EQ(result.out, "");
-        EXPECT_THAT(result.err, StartsWith("roofline: "));
-        EXPECT_THAT(result.err, HasSubstr(row.reason));
-        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1);
-    }
+    for (const auto& [arguments, code, reason] : rows) test::expectRefused(arguments, code, reason);
 }
 
 TEST_F(Program, ExplainsItselfEverywhere) {
     EXPECT_THAT(run({"--version"}).out, StartsWith("roofline "));
-    for (const std::vector<std::string>& command : {std::vector<std::string>{},
-                                                    {"fields"},
-                                                    {"options"},
-                                                    {"threads"},
-                                                    {"roofs"},
-                                                    {"chart"},
-                                                    {"import", "csv"},
-                                                    {"import", "roofs"}}) {
-        auto arguments = command;
+    using Arguments = std::vector<std::string>;
+    for (auto arguments : {Arguments{},
+                           {"fields"},
+                           {"options"},
+                           {"threads"},
+                           {"roofs"},
+                           {"chart"},
+                           {"import", "csv"},
+                           {"import", "roofs"}}) {
         arguments.push_back("--help");
         const auto result = run(arguments);
         EXPECT_EQ(result.code, kDone);
@@ -153,25 +104,14 @@ TEST_F(Program, ImportsAndChartsATable) {
     const auto roofs =
         file("r.csv", "threads,roof,unit,value\n1,L1 bandwidth,GB/s,100\n1,scalar add,GOP/s,8\n");
     EXPECT_EQ(run({"import", "roofs", roofs, "--name", "m", "-o", path("m.json")}).code, kDone);
-    const std::vector<std::string> import{"import",
-                                          "csv",
-                                          table,
-                                          "--map",
-                                          "FunctionName=kernel",
-                                          "SelfElapsedTime=ms*1e-3",
-                                          "SelfFloatOps=gflop",
-                                          "SelfMemL1=gb",
-                                          "--machine",
-                                          "m.json",
-                                          "-o",
-                                          path("r.json")};
+    std::vector<std::string> import{"import", "csv", table, "--machine", "m.json", "-o", path("r.json")};
+    for (const auto* map :
+         {"--map", "FunctionName=kernel", "SelfElapsedTime=ms*1e-3", "SelfFloatOps=gflop", "SelfMemL1=gb"})
+        import.emplace_back(map);
     EXPECT_EQ(run(import).code, kDone);
-    const auto again = run(import);
-    EXPECT_EQ(again.code, kNoAnswer) << "an existing file is replaced only with --force";
-    auto forced = import;
-    forced.push_back("--force");
-    EXPECT_EQ(run(forced).code, kDone);
-
+    EXPECT_EQ(run(import).code, kNoAnswer) << "an existing file is replaced only with --force";
+    import.emplace_back("--force");
+    EXPECT_EQ(run(import).code, kDone);
     EXPECT_EQ(run({"chart", path("r.json")}).out,
               "name             intensity [FLOP/byte]  performance [GFLOP/s]  share of time\n"
               "scale*2                            0.5                      4        66.67 %\n"

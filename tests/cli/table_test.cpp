@@ -38,28 +38,17 @@ TEST(Table, CsvQuotesWhatNeedsItAndLeavesMissingCellsEmpty) {
 }
 
 TEST(Text, IsCleanedForTerminalsAndPictures) {
-    struct Row {
-        const char* name;
-        std::string text, expected;
-    };
-    const Row rows[] = {
-        {"plain", "a <b> & c", "a <b> & c"},
-        {"valid UTF-8", "\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80", "\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80"},
+    const std::tuple<const char*, const char*, const char*> rows[] = {
+        {"valid UTF-8", "a <b> \xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80",
+         "a <b> \xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80"},
         {"white space", "a\tb\nc", "a b c"},
-        {"terminal control",
-         "\x1b[2J\x07"
-         "a\x7f\xC2\x9B",
-         "[2Ja"},
-        {"direction override",
-         "a\xE2\x80\xAE"
-         "b",
-         "ab"},
+        {"terminal control", "\x1b[2J\x07z\x7f\xC2\x9B", "[2Jz"},
+        {"direction override", "a\xE2\x80\xAEz", "az"},
         {"lone continuation", "a\x80", "a\xEF\xBF\xBD"},
-        {"cut short", "\xE4\xB8", "\xEF\xBF\xBD\xEF\xBF\xBD"},
         {"overlong", "\xC0\xAF", "\xEF\xBF\xBD\xEF\xBF\xBD"},
         {"surrogate", "\xED\xA0\x80", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"},
     };
-    for (const auto& row : rows) EXPECT_EQ(cleanText(row.text), row.expected) << row.name;
+    for (const auto& [name, text, expected] : rows) EXPECT_EQ(cleanText(text), expected) << name;
 }
 
 TEST(Text, IsCutBetweenCodePoints) {

@@ -14,23 +14,12 @@ struct Derived {
 };
 
 constexpr Derived kDerived[] = {
-    {"NothingOfNothing", "", ""},
     {"ElapsedOfSelfTime", R"("SelfTime": 8)", "SelfTime=8 TotalTime=8 SelfElapsedTime=2 TotalElapsedTime=2"},
-    {"SelfTimeOfElapsed", R"("SelfElapsedTime": 2)",
-     "SelfTime=8 TotalTime=8 SelfElapsedTime=2 TotalElapsedTime=2"},
     {"BothTimesStay", R"("SelfTime": 8, "SelfElapsedTime": 5)",
      "SelfTime=8 TotalTime=8 SelfElapsedTime=5 TotalElapsedTime=5"},
     {"TrafficOfItsParts", R"("SelfL1Load": 3, "SelfL1Store": 1, "SelfDramStore": 2)",
      "SelfMemL1=4 TotalMem=4 SelfL1Load=3 SelfL1Store=1 TotalL1Load=3 TotalL1Store=1 "
      "SelfDramStore=2 SelfMemDram=2 TotalDramStore=2"},
-    {"TrafficGivenWins", R"("SelfL2Load": 3, "SelfL2Store": 1, "SelfMemL2": 9)",
-     "SelfL2Load=3 SelfL2Store=1 SelfMemL2=9 TotalL2Load=3 TotalL2Store=1"},
-    {"MixedOfBoth", R"("SelfFloatOps": 3, "SelfIntOps": 1)",
-     "SelfFloatOps=3 SelfIntOps=1 TotalFloatOps=3 TotalIntOps=1 SelfMixedOps=4 TotalMixedOps=4"},
-    {"MixedOfTheOnePresent", R"("SelfIntOps": 1)",
-     "SelfIntOps=1 TotalIntOps=1 SelfMixedOps=1 TotalMixedOps=1"},
-    {"MixedGivenWins", R"("SelfIntOps": 1, "SelfMixedOps": 7)",
-     "SelfIntOps=1 TotalIntOps=1 SelfMixedOps=7 TotalMixedOps=7"},
     {"RatesAndIntensities", R"("SelfFloatOps": 6, "SelfMemL1": 3, "SelfElapsedTime": 2)",
      "SelfTime=8 TotalTime=8 SelfFloatOps=6 SelfMemL1=3 SelfFloatAi=2 SelfGFlops=3 SelfElapsedTime=2 "
      "TotalFloatOps=6 TotalMem=3 TotalFloatAi=2 TotalGFlops=3 TotalElapsedTime=2 SelfMixedOps=6 "
@@ -82,30 +71,10 @@ TEST(Derivation, TakesIdAndThreadsFromRowAndProgramUnlessTheyAreGiven) {
                R"(, "program": {"usedThreads": 4})")
             ->getDataset(DataType::Cpu);
     std::string text;
-    for (const auto& row : listOf(dataset->getRows(0))) {
-        for (const auto field : {FieldId::RowKey, FieldId::Rva, FieldId::ThreadCount}) {
+    for (const auto& row : listOf(dataset->getRows(0)))
+        for (const auto field : {FieldId::RowKey, FieldId::Rva, FieldId::ThreadCount})
             text += cell(dataset, row, field) + " ";
-        }
-    }
     EXPECT_EQ(text, "12 12 4 4 0x10 2 ");
-}
-
-TEST(Derivation, TotalsGoUpTheTreeAndAGivenTotalReplacesWhatIsBelow) {
-    const auto dataset = viewOf(R"(
-        {"id": 1, "children": [
-            {"id": 2, "cells": {"SelfFloatOps": 4, "SelfElapsedTime": 1}, "children": [
-                {"id": 3, "cells": {"SelfFloatOps": 2, "SelfElapsedTime": 1}}]},
-            {"id": 4, "cells": {"SelfFloatOps": 1, "TotalFloatOps": 10}, "children": [
-                {"id": 5, "cells": {"SelfFloatOps": 100}}]}]})")
-                             ->getDataset(DataType::Cpu);
-    std::string text;
-    for (const auto& row : listOf(dataset->getRows(0))) {
-        for (const auto field : {FieldId::TotalFloatOps, FieldId::TotalElapsedTime, FieldId::TotalGFlops}) {
-            text += cell(dataset, row, field) + " ";
-        }
-        text += "| ";
-    }
-    EXPECT_EQ(text, "16 2 8 | 6 2 3 | 2 1 2 | 10 - - | 100 - - | ");
 }
 
 TEST(Derivation, ProgramsElapsedTimeIsThatOfTheTopRowsUnlessItIsGiven) {

@@ -44,84 +44,64 @@ std::string configurationOf(int threads, int packages = 1, Strategy strategy = S
     return roof::getCpuRoofConfiguration(threads, packages, strategy, operations, perspective);
 }
 
-struct Asked {
-    const char* name;
-    std::string configuration;
-    const char* roofs;
-};
-
-const Asked kAsked[] = {
-    {"MeasuredThreads", configurationOf(2), "1=200 6=18 8=100 16=40"},
-    {"AllMeasured", configurationOf(4), "1=390 6=30 8=200 16=80"},
-    {"NextSmallerScaled", configurationOf(3), "1=300 6=27 8=150 16=60"},
-    {"BelowTheSmallest", configurationOf(1), "1=100 6=10 8=50 16=20"},
-    {"BeyondTheCores", configurationOf(16), "1=390 6=30 8=200 16=80"},
-    {"ZeroIsTheUsedThreads", configurationOf(0), "1=390 6=30 8=200 16=80"},
-    {"SingleWithoutASetOfItsOwn", configurationOf(4, 1, Strategy::SingleThread), "1=100 6=10 8=50 16=20"},
-    {"FloatPeaks", configurationOf(4, 1, Strategy::MultiThread, OperationsType::Float), "1=390 6=30 8=200"},
-    {"IntegerPeaks", configurationOf(4, 1, Strategy::MultiThread, OperationsType::Int), "1=390 6=30 16=80"},
-    {"UndefinedIsAll", configurationOf(4, 1, Strategy::MultiThread, OperationsType::Undefined),
-     "1=390 6=30 8=200 16=80"},
-    {"NotVectorized",
-     configurationOf(4, 1, Strategy::MultiThread, OperationsType::Float, Perspective::NotVectorized),
-     "1=390 6=30 8=200 18=160"},
-    {"Empty", "", "1=390 6=30 8=200 16=80 18=160"},
-    {"NoConfiguration", "nonsense", ""},
-};
-
-class RoofTable : public testing::TestWithParam<Asked> {};
-
-TEST_P(RoofTable, GivesTheRoofsOfAThreadSetUp) {
+TEST(RoofTable, GivesTheRoofsOfAThreadSetUp) {
+    const auto multi = [](OperationsType operations, Perspective perspective = Perspective::Program) {
+        return configurationOf(4, 1, Strategy::MultiThread, operations, perspective);
+    };
+    const std::tuple<const char*, std::string, const char*> cases[] = {
+        {"measured threads", configurationOf(2), "1=200 6=18 8=100 16=40"},
+        {"next smaller scaled", configurationOf(3), "1=300 6=27 8=150 16=60"},
+        {"below the smallest", configurationOf(1), "1=100 6=10 8=50 16=20"},
+        {"beyond the cores", configurationOf(16), "1=390 6=30 8=200 16=80"},
+        {"zero is the used threads", configurationOf(0), "1=390 6=30 8=200 16=80"},
+        {"single", configurationOf(4, 1, Strategy::SingleThread), "1=100 6=10 8=50 16=20"},
+        {"float peaks", multi(OperationsType::Float), "1=390 6=30 8=200"},
+        {"integer peaks", multi(OperationsType::Int), "1=390 6=30 16=80"},
+        {"undefined is all", multi(OperationsType::Undefined), "1=390 6=30 8=200 16=80"},
+        {"not vectorized", multi(OperationsType::Float, Perspective::NotVectorized),
+         "1=390 6=30 8=200 18=160"},
+        {"empty", "", "1=390 6=30 8=200 16=80 18=160"},
+        {"no configuration", "nonsense", ""},
+    };
     const auto table = tableOf(kRoofs, R"(, "cores": {"logical": 8, "physical": 4})", 4);
-    EXPECT_EQ(linesOf(table->getRoofs(GetParam().configuration)), GetParam().roofs);
+    for (const auto& [name, configuration, roofs] : cases)
+        EXPECT_EQ(linesOf(table->getRoofs(configuration)), roofs) << name;
 }
 
-INSTANTIATE_TEST_SUITE_P(SetUps, RoofTable, testing::ValuesIn(kAsked),
-                         [](const auto& item) { return item.param.name; });
-
-TEST(RoofTable, OuterLevelsStayWithinTheLargestValueMeasured) {
-    const auto table = tableOf(R"({"id": 2, "value": 50, "unit": "GB/s", "threads": 2},
+TEST(RoofTable, KeepsWithinWhatWasMeasured) {
+    const auto outer = tableOf(R"({"id": 2, "value": 50, "unit": "GB/s", "threads": 2},
         {"id": 3, "value": 40, "unit": "GB/s", "threads": 2},
         {"id": 3, "value": 45, "unit": "GB/s", "threads": 8})",
                                "", 1);
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(4))), "2=100 3=45");
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(16))), "2=400 3=45");
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(1))), "2=25 3=40");
-}
-
-TEST(RoofTable, AMeasurementBeyondTheCoresIsNotScaledDown) {
-    const auto table = tableOf(R"({"id": 8, "value": 60, "unit": "GFLOP/s", "threads": 6})",
-                               R"(, "cores": {"physical": 4})", 1);
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(8))), "8=60");
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(2))), "8=20");
-}
-
-TEST(RoofTable, PrefersMeasurementsOnNoMorePackagesThanAsked) {
-    const auto table = tableOf(R"({"id": 6, "value": 60, "unit": "GB/s", "threads": 8},
+    const auto beyond = tableOf(R"({"id": 8, "value": 60, "unit": "GFLOP/s", "threads": 6})",
+                                R"(, "cores": {"physical": 4})", 1);
+    const auto packages = tableOf(R"({"id": 6, "value": 60, "unit": "GB/s", "threads": 8},
         {"id": 6, "value": 90, "unit": "GB/s", "threads": 8, "packages": 2},
         {"id": 6, "value": 120, "unit": "GB/s", "threads": 16, "packages": 2})",
-                               R"(, "packages": 2)", 16);
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(8, 1))), "6=60");
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(8, 2))), "6=90");
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(16, 1))), "6=60");
-    EXPECT_EQ(linesOf(table->getRoofs("")), "6=120");
-}
-
-TEST(RoofTable, SingleThreadedSetUpTakesTheRoofsMarkedSo) {
-    const auto table =
-        tableOf(R"({"id": 6, "value": 10, "unit": "GB/s"}, {"id": 8, "value": 5, "unit": "GFLOP/s"},
+                                  R"(, "packages": 2)", 16);
+    const auto single = tableOf(R"({"id": 6, "value": 10, "unit": "GB/s"},
+        {"id": 8, "value": 5, "unit": "GFLOP/s"},
         {"id": 6, "value": 12, "unit": "GB/s", "strategy": "single"})",
-                "", 4);
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(4, 1, Strategy::SingleThread))), "6=12");
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(1))), "6=10 8=5");
-}
-
-TEST(RoofTable, TheUsersValueWinsForExactlyItsSetUp) {
-    const auto table = tableOf(R"({"id": 6, "value": 10, "unit": "GB/s", "threads": 4})",
+                                "", 4);
+    const auto users = tableOf(R"({"id": 6, "value": 10, "unit": "GB/s", "threads": 4})",
                                R"(, "custom": [{"id": 6, "value": 7, "unit": "GB/s", "threads": 4}])", 4);
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(0))), "6=7");
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(4, 1, Strategy::SingleThread))), "6=10");
-    EXPECT_EQ(linesOf(table->getRoofs(configurationOf(5))), "6=10");
+    const std::tuple<const char*, std::shared_ptr<IRoofManager>, std::string, const char*> cases[] = {
+        {"an outer level stays at its largest value", outer, configurationOf(4), "2=100 3=45"},
+        {"an outer level scales down", outer, configurationOf(1), "2=25 3=40"},
+        {"beyond the cores, not scaled down", beyond, configurationOf(8), "8=60"},
+        {"scaled from the cores", beyond, configurationOf(2), "8=20"},
+        {"no more packages than asked", packages, configurationOf(8, 1), "6=60"},
+        {"both packages", packages, configurationOf(8, 2), "6=90"},
+        {"one package's values", packages, configurationOf(16, 1), "6=60"},
+        {"all of the machine", packages, "", "6=120"},
+        {"marked single", single, configurationOf(4, 1, Strategy::SingleThread), "6=12"},
+        {"not marked", single, configurationOf(1), "6=10 8=5"},
+        {"the user's value wins", users, configurationOf(0), "6=7"},
+        {"not for another strategy", users, configurationOf(4, 1, Strategy::SingleThread), "6=10"},
+        {"not for other threads", users, configurationOf(5), "6=10"},
+    };
+    for (const auto& [name, table, configuration, roofs] : cases)
+        EXPECT_EQ(linesOf(table->getRoofs(configuration)), roofs) << name;
 }
 
 TEST(RoofTable, TellsWhatARoofIs) {
@@ -148,7 +128,6 @@ TEST(RoofTable, TellsWhatARoofIs) {
 
 TEST(RoofTable, IsThereWithoutAMachine) {
     const auto view = viewOf("");
-    ASSERT_NE(view->getRoofManager(DataType::Cpu), nullptr);
     EXPECT_EQ(linesOf(view->getRoofManager(DataType::Cpu)->getRoofs("")), "");
     EXPECT_EQ(view->getPhysicalCoreCount() + view->getLogicalCoreCount() + view->getPackageCount(), 0);
 }
@@ -159,25 +138,10 @@ TEST(RoofUnit, IsBytesOrOperationsPerSecondAndNothingElse) {
         return parsed ? (parsed->isMemory ? 1 : -1) * parsed->factor : 0.0;
     };
     const std::pair<const char*, double> units[] = {
-        {"B/s", 1},
-        {"GB/s", 1e9},
-        {"GiB/s", 1073741824.0},
-        {"MB/s", 1e6},
-        {"TB/s", 1e12},
-        {"kB/s", 1e3},
-        {"GFLOP/s", -1e9},
-        {"GOP/s", -1e9},
-        {"GINTOP/s", -1e9},
-        {"TFLOP/s", -1e12},
-        {"GFLOPS", -1e9},
-        {"Gb/s", 0},
-        {"GiFLOP/s", 0},
-        {"gb/s", 0},
-        {"GB", 0},
-        {"", 0},
-        {"GB/s ", 0},
-        {"PB/s", 0},
-    };
+        {"B/s", 1},         {"kB/s", 1e3},     {"GB/s", 1e9},   {"GiB/s", 1073741824.0},
+        {"TB/s", 1e12},     {"GFLOP/s", -1e9}, {"GOP/s", -1e9}, {"GINTOP/s", -1e9},
+        {"TFLOP/s", -1e12}, {"GFLOPS", -1e9},  {"Gb/s", 0},     {"GiFLOP/s", 0},
+        {"gb/s", 0},        {"GB", 0},         {"GB/s ", 0}};
     for (const auto& [unit, factor] : units) EXPECT_EQ(factorOf(unit), factor) << unit;
 }
 

@@ -33,6 +33,13 @@ const std::map<std::string, int> kArgumentCounts{
     {"roofline_vectorization_types", 1},
     {"roofline_summary_total_point_descr", 1},
     {"roofline_options_def_config_integrated_gpu_caption", 2},
+    {"roofline_bottleneck_bound_by_compute", 2},
+    {"roofline_bottleneck_bound_by_memory", 2},
+    {"roofline_bottleneck_wrong_configuration_details", 2},
+    {"roofline_bottleneck_performance_analysis_bounded_by", 1},
+    {"roofline_memory_dominating_type_expl", 1},
+    {"roofline_summary_bytes", 1},
+    {"roofline_summary_roof_descr", 1},
 };
 
 // A folder of message files that goes with the test, and the assertions that reading it reports.

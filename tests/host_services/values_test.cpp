@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <limits>
 #include <locale>
@@ -28,14 +27,8 @@ TEST(Variants, ShareAndReleaseWhatTheyHold) {
         auto copy = object;
         const auto moved = std::move(object);
         EXPECT_TRUE(object.isEmpty());
+        copy = *&copy;
         EXPECT_EQ(copy.object(), moved.object());
-
-        auto& self = copy;
-        copy = self;
-        EXPECT_EQ(copy.object(), moved.object());
-        copy = std::move(self);
-        EXPECT_EQ(copy.object(), moved.object());
-
         copy = variant_t(1);
         EXPECT_EQ(Counted::alive, 1);
         copy = moved;
@@ -44,37 +37,22 @@ TEST(Variants, ShareAndReleaseWhatTheyHold) {
     }
     EXPECT_EQ(Counted::alive, 0);
     EXPECT_TRUE(variant_t::object(nullptr).isEmpty());
-    EXPECT_TRUE(variant_t(sptr_t<const SharedText>()).isEmpty());
 }
 
 TEST(Variants, GiveNumbersAndTexts) {
-    const auto unsignedTop = std::numeric_limits<std::uint64_t>::max();
-    const struct {
-        variant_t value;
-        int kind;
-        double number;
-        const char* text;
-    } rows[] = {
+    const std::tuple<variant_t, int, double, const char*> rows[] = {
         {true, 0, 1.0, "1"},
-        {false, 0, 0.0, "0"},
-        {std::numeric_limits<std::int32_t>::min(), 6, -2147483648.0, "-2147483648"},
         {std::numeric_limits<std::uint32_t>::max(), 7, 4294967295.0, "4294967295"},
         {std::numeric_limits<std::int64_t>::min(), 8, -9223372036854775808.0, "-9223372036854775808"},
-        {unsignedTop, 9, 18446744073709551615.0, "18446744073709551615"},
+        {std::numeric_limits<std::uint64_t>::max(), 9, 18446744073709551615.0, "18446744073709551615"},
         {0.1f, 10, static_cast<double>(0.1f), "0.1"},
         {1234567.0, 11, 1234567.0, "1.23457e+06"},
-        {-0.5, 11, -0.5, "-0.5"},
-        {100.0, 11, 100.0, "100"},
-        {"12", 12, 0.0, "12"},
-        {variant_t::literal("%1"), 14, 0.0, "%1"},
-        {variant_t(), 17, 0.0, ""},
         {variant_t::object(new Counted), 18, 0.0, ""},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
-        EXPECT_EQ(row.value.kind(), row.kind);
-        EXPECT_EQ(row.value.toDouble(), row.number);
-        EXPECT_EQ(toText(row.value), row.text);
+    for (const auto& [value, kind, number, text] : rows) {
+        EXPECT_EQ(value.kind(), kind) << text;
+        EXPECT_EQ(value.toDouble(), number) << text;
+        EXPECT_EQ(toText(value), text);
     }
 }
 
@@ -82,9 +60,8 @@ TEST(Iterators, AreIndependentPositions) {
     auto first = makeIterator(std::vector<std::string>{"a", "b", "c"});
     ++first;
     auto second = first;
-    ++ ++second;
-    EXPECT_TRUE(second.isEnd());
-    EXPECT_TRUE((++second).isEnd()) << "the end stays";
+    ++ ++ ++second;
+    EXPECT_TRUE(second.isEnd()) << "the end stays";
     EXPECT_EQ(*first, "b");
     second = first;
     ++first;
@@ -93,8 +70,6 @@ TEST(Iterators, AreIndependentPositions) {
 
     generic_iterator_t<int> none;
     EXPECT_TRUE(none.isNull() && none.isEnd() && (++none).isEnd());
-    const auto empty = makeIterator(std::vector<int>{});
-    EXPECT_TRUE(!empty.isNull() && empty.isEnd());
 }
 
 TEST(Signals, LetASlotCutItselfWhileTheyAreRaised) {
@@ -115,10 +90,7 @@ TEST(Signals, AndSubscribersMayDieInAnyOrder) {
     int heard = 0;
     auto signal = std::make_unique<signal_t<>>();
     auto other = std::make_unique<signal_t<>>();
-    {
-        subscriber_base_t gone;
-        signal->connect(gone, [&] { heard += 100; });
-    }
+    signal->connect(*std::make_unique<subscriber_base_t>(), [&] { heard += 100; });
     subscriber_base_t subscriber;
     signal->connect(subscriber, [&] { ++heard; });
     other->connect(subscriber, [&] { heard += 10; });
@@ -127,36 +99,35 @@ TEST(Signals, AndSubscribersMayDieInAnyOrder) {
     signal.reset();
     other->raise();
     EXPECT_EQ(heard, 11) << "the death of one signal leaves the other connected";
-    subscriber.disconnectAll();
-    other->raise();
-    EXPECT_EQ(heard, 11);
 }
 
 TEST(Numbers, AreShownWithSignificantDigits) {
-    const struct {
-        double value;
-        int digits;
-        const char* expected;
-    } rows[] = {
-        {0.0, 3, "0"},
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const std::tuple<double, int, const char*> rows[] = {
         {-0.0, 3, "0"},
-        {1.0, 3, "1"},
-        {3.14159, 3, "3.14"},
-        {0.00123456, 3, "0.00123"},
-        {-2.5, 4, "-2.5"},
         {1234567.0, 3, "1234567"},
-        {100.0, 1, "100"},
-        {9.996, 3, "10"},
         {0.09996, 3, "0.1"},
-        {1e20, 3, "1e+20"},
         {1.5e-9, 3, "1.5e-09"},
-        {2.0 / 3.0, 0, "0.7"},
-        {0.1, 99, "0.10000000000000001"},
-        {std::numeric_limits<double>::infinity(), 3, "N/A"},
-        {std::nan(""), 3, "N/A"},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(embedded_host::formatNumber(row.value, row.digits), row.expected) << row.value;
+    for (const auto& [value, digits, expected] : rows)
+        EXPECT_EQ(embedded_host::formatNumber(value, digits), expected);
+}
+
+TEST(Numbers, AreShownWithFixedDigitsAndAUnit) {
+    const std::tuple<double, const char*, int, double, const char*> rows[] = {
+        {1234.5678, "", 3, 0.001, "1234.568"},
+        {-0.0, "", 2, 0.001, "0.00"},
+        {0.00099, "GB", 3, 0.001, "< 0.001 GB"},
+        {-0.00099, "GB", 3, 0.001, "> -0.001 GB"},
+        {3e-200, "s", 3, 0.0, "3e-200 s"},
+        {0.7, "", 3, 1.0, "< 1"},
+        {1e-9, "", 3, std::nan(""), "0.000000001"},
+        {-1.25e300, "", 2, 0.001, "-1.25e+300"},
+        {-std::numeric_limits<double>::infinity(), "", 3, 0.001, "N/A"},
+    };
+    for (const auto& [value, unit, precision, smallest, expected] : rows)
+        EXPECT_EQ(double2str(value, unit, precision, smallest), expected);
+    EXPECT_EQ(int2str(std::numeric_limits<long long>::min()), "-9223372036854775808");
 }
 
 // Some hosts set a locale of their own; the texts feed files and charts.
@@ -168,8 +139,8 @@ TEST(Numbers, AreTheSameInEveryLocale) {
     };
     const auto before = std::locale::global(std::locale(std::locale::classic(), new Comma));
     EXPECT_EQ(toText(1234.5), "1234.5");
-    EXPECT_EQ(toText(1234567), "1234567");
     EXPECT_EQ(embedded_host::formatNumber(1234.5, 6), "1234.5");
+    EXPECT_EQ(double2str(1234.5, "GB", 2, 0.001), "1234.50 GB");
     std::locale::global(before);
 }
 

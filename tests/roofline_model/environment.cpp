@@ -16,10 +16,9 @@ public:
         auto folder = (std::filesystem::temp_directory_path() / "roofline-XXXXXX").string();
         m_folder = mkdtemp(folder.data());
         std::filesystem::create_directory(m_folder / "messages");
-        std::ofstream(m_folder / "messages" / "en.json") << R"({
-            "a": "[a %1]", "a_lin": "[a_lin %1]", "a_s": "[a_s %1]", "a_lin_s": "[a_lin_s %1]",
-            "b": "[b %1]", "b_lin": "[b_lin %1]", "b_s": "[b_s %1]",
-            "c": "[c %1]", "c_lin": "[c_lin %1]",
+        std::ofstream(m_folder / "messages" / "en.json")
+            << R"({"a": "[a %1]", "a_lin": "[a_lin %1]", "a_s": "[a_s %1]", "a_lin_s": "[a_lin_s %1]",
+            "b": "[b %1]", "b_lin": "[b_lin %1]", "b_s": "[b_s %1]", "c": "[c %1]", "c_lin": "[c_lin %1]",
             "d": "[d %1]"})";
         embedded_host::setMessageFolder(m_folder.string());
     }

@@ -28,7 +28,7 @@ sptr_t<IDataset> datasetOf(const std::optional<variant_t>& cell) {
 // "required|checked"; "-" where nothing was read, "default" where the default came.
 template <class T>
 std::string readAs(const sptr_t<IDataset>& dataset, const T& untouched) {
-    const auto row = dataset ? test::rowsOf(dataset).front() : nullptr;
+    const auto row = test::rowsOf(dataset).front();
     T required = untouched;
     const bool isThere = requireData<T>(kField, required, row, dataset);
     const T checked = checkData<T>(kField, untouched, row, dataset);
@@ -40,29 +40,23 @@ std::string readAs(const sptr_t<IDataset>& dataset, const T& untouched) {
 }
 
 TEST(CellReading, ConvertsEveryKindToEveryType) {
-    struct Case {
+    const struct {
         std::optional<variant_t> cell;
         const char *asDouble, *asUnsigned, *asSigned, *asText;
-    };
-    const Case cases[]{
+    } cases[]{
         {true, "1|1", "1|1", "1|1", "|default"},
         {-5, "-5|-5", "18446744073709551611|18446744073709551611", "-5|-5", "|default"},
-        {0u, "0|0", "0|0", "0|0", "|default"},
         {std::numeric_limits<std::int64_t>::min(), "-9.223372036854776e+18|-9.223372036854776e+18",
          "9223372036854775808|9223372036854775808", "-9223372036854775808|-9223372036854775808", "|default"},
         // An unsigned number with the top bit set stays positive.
         {0x8000000000000001u, "9.223372036854776e+18|9.223372036854776e+18",
          "9223372036854775809|9223372036854775809", "-9223372036854775807|-9223372036854775807", "|default"},
-        {2.5f, "2.5|2.5", "2|2", "2|2", "|default"},
         {-2.5, "-2.5|-2.5", "0|0", "-2|-2", "|default"},
         {1e30, "1e+30|1e+30", "18446744073709551615|18446744073709551615",
          "9223372036854775807|9223372036854775807", "|default"},
         {-kInfinity, "-inf|-inf", "0|0", "-9223372036854775808|-9223372036854775808", "|default"},
         {"12", "0|default", "0|default", "0|default", "12|12"},
-        {"", "0|default", "0|default", "0|default", "|"},
         {variant_t::literal("x"), "0|default", "0|default", "0|default", "x|x"},
-        {variant_t(), "0|default", "0|default", "0|default", "|default"},
-        {variant_t::object(new SharedText("x")), "0|default", "0|default", "0|default", "|default"},
         {std::nullopt, "-|default", "-|default", "-|default", "-|default"},
     };
     for (const auto& [cell, asDouble, asUnsigned, asSigned, asText] : cases) {
@@ -73,8 +67,6 @@ TEST(CellReading, ConvertsEveryKindToEveryType) {
         EXPECT_EQ(readAs<long long>(dataset, -77), asSigned);
         EXPECT_EQ(readAs<std::string>(dataset, "untouched"), asText);
     }
-    EXPECT_EQ(readAs<double>(nullptr, -77.0), "-|default");
-    EXPECT_EQ(readAs<std::string>(nullptr, "untouched"), "-|default");
     // A field that no row has is missing, NaN is a value, and no integer.
     double number = -77.0;
     const auto notANumber = datasetOf(std::nan(""));
@@ -84,27 +76,13 @@ TEST(CellReading, ConvertsEveryKindToEveryType) {
     EXPECT_EQ(checkData<long long>(kField, 5, row, notANumber), 0);
 }
 
-std::string textOf(const variant_bag_t& bag) {
-    std::string text;
-    for (const auto& [name, node] : bag)
-        text += fmt::format("{}={}{}{} ", name, toText(node.data()), node.empty() ? "" : ":",
-                            node.empty() ? "" : "(" + textOf(node) + ")");
-    return text;
-}
-
-TEST(Bags, KeepTheOrderReplaceAttributesAndRepeatSubBags) {
+TEST(Bags, ReplaceAttributesAndReadWhatFits) {
     variant_bag_t bag;
-    VBagHelper::addAttribute(bag, VBagAttr<int>{"a", 1});
+    for (const double value : {1.0, 2.5}) VBagHelper::addAttribute(bag, VBagAttr<double>{"z", value});
     VBagHelper::addAttribute(bag, VBagAttr<std::string>{"b", "x"});
-    auto& sub = VBagHelper::addVariant(bag, "item", VBagAttr<double>{"z", 2.5}, VBagAttr<bool>{"y", true});
-    VBagHelper::addVariant(bag, "item");
-    VBagHelper::addAttribute(bag, VBagAttr<int>{"a", 3});
-    VBagHelper::addAttribute(sub, VBagAttr<variant_bag_t>{"bag", bag});
-    EXPECT_EQ(textOf(bag), "a=3 b=x item=:(z=2.5 y=1 bag=:(a=3 b=x item=:(z=2.5 y=1 ) item= ) ) item= ");
-    EXPECT_EQ(getBagAttribute<double>(sub, "z", 7.0), 2.5);
-    EXPECT_EQ(getBagAttribute<long long>(sub, "z", 7), 2);
+    EXPECT_EQ(bag.size(), 2u);
+    EXPECT_EQ(getBagAttribute<long long>(bag, "z", 7), 2);
     EXPECT_EQ(getBagAttribute<double>(bag, "b", 7.0), 7.0) << "a text is no number";
-    EXPECT_EQ(getBagAttribute<unsigned long long>(bag, "c", 7), 7u) << "missing";
 }
 
 TEST(Messages, OfThePlatformAndWithTheSuffixComeFirst) {
@@ -112,7 +90,6 @@ TEST(Messages, OfThePlatformAndWithTheSuffixComeFirst) {
     EXPECT_EQ(translateEx("a", "_s", "x"), "[a_lin_s x]");
     EXPECT_EQ(translateEx("b", "_s", "x"), "[b_s x]");
     EXPECT_EQ(translateEx("c", "_s", "x"), "[c_lin x]_s");
-    EXPECT_EQ(translateEx("d", "_s", 5), "[d 5]_s");
     EXPECT_EQ(translateEx("e", "_s", "x"), "e_s");
     EXPECT_EQ(translate("a") + translate("b", 1.5) + translate("d", variant_t()) + translate("e", "x"),
               "[a_lin ][b_lin 1.5][d ]e");

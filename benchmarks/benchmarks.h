@@ -1,0 +1,5 @@
+// The benchmarks of the program `roofline_benchmark`; each prints a table and returns an exit code.
+#pragma once
+
+int runChartBenchmark();
+int runRowBenchmark();

@@ -1,0 +1,15 @@
+// Runs all benchmarks, or the one named: chart, rows.
+#include "embedded_host/embedded_host.h"
+
+#include "benchmarks/benchmarks.h"
+
+#include <string_view>
+
+int main(int argc, char** argv) {
+    embedded_host::setUpLogging(false);
+    const std::string_view only = argc > 1 ? argv[1] : "";
+    int failures = 0;
+    if (only.empty() || only == "chart") failures += runChartBenchmark();
+    if (only.empty() || only == "rows") failures += runRowBenchmark();
+    return failures;
+}

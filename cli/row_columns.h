@@ -1,0 +1,32 @@
+// The machine-readable columns of rows: one list makes CSV and JSON, so that both carry the same values.
+#pragma once
+
+#include "cli/row_lines.h"
+#include "cli/table.h"
+
+#include <span>
+
+namespace cli {
+
+// Units stand in the keys: gop is 1e9 operations, gb 1e9 bytes. Fractions and shares are 1 for the whole.
+struct RowColumn {
+    const char* key;
+    Cell (*cell)(const RowLine&);
+};
+struct LevelColumn {
+    const char* key;
+    Cell (*cell)(const RowLine&, const LevelLine&);
+};
+
+// What names a row and holds for all of its levels.
+std::span<const RowColumn> rowColumns();
+// The row's total point and what limits it.
+std::span<const RowColumn> verdictColumns();
+// One level of a row.
+std::span<const LevelColumn> levelColumns();
+
+Cell cellOf(const std::optional<double>& value);
+// An empty text is a missing one.
+Cell cellOf(const std::string& text);
+
+}  // namespace cli

@@ -1,0 +1,177 @@
+// Takes a row's roofline apart. Nothing is judged here: which roof limits a row is the library's answer.
+#include "cli/row_lines.h"
+
+#include "cli/unplaced_rows.h"
+
+#include <algorithm>
+
+namespace cli {
+namespace {
+
+using namespace data_models2;
+
+constexpr double kGiga = 1e9;
+constexpr double kPercent = 100.0;
+
+class RowReader {
+public:
+    RowReader(const RowRooflines& rooflines, double programSeconds)
+        : m_rooflines(rooflines),
+          m_data(*rooflines.dataset()),
+          m_name(m_data.getColumn(FieldId::FunctionName)),
+          m_location(m_data.getColumn(FieldId::Location)),
+          m_time(
+              m_data.getColumn(rooflines.isTotal() ? FieldId::TotalElapsedTime : FieldId::SelfElapsedTime)),
+          m_floatOps(m_data.getColumn(FieldId::SelfFloatOps)),
+          m_intOps(m_data.getColumn(FieldId::SelfIntOps)),
+          m_programSeconds(programSeconds) {}
+
+    RowLine read(const sptr_t<RowNode>& row) const;
+
+private:
+    bool hasCell(const sptr_t<RowNode>& row, const sptr_t<ColumnNode>& column) const {
+        variant_t value;
+        return m_data.getValue(row, column, 0, value);
+    }
+
+    const RowRooflines& m_rooflines;
+    const IDataset& m_data;
+    sptr_t<ColumnNode> m_name, m_location, m_time, m_floatOps, m_intOps;
+    double m_programSeconds;
+};
+
+RoofOver roofOver(const std::string& name, double height, double performance) {
+    return {name, height, performance / height};
+}
+
+std::optional<RoofOver> roofOver(const LimitingRoof& roof, double performance) {
+    if (roof.name.empty() && roof.boundCategory == BoundCategory::None) return {};
+    return roofOver(roof.name, roof.limitValue, performance);
+}
+
+std::optional<double> shareIn(const std::vector<MemoryValue>& values, MemoryLevel level) {
+    const auto found = std::find_if(values.begin(), values.end(),
+                                    [&](const MemoryValue& each) { return each.memoryLevel == level; });
+    if (found == values.end()) return {};
+    return found->value / kPercent;
+}
+
+std::vector<LevelLine> levelsOf(const IRowRooflineInfo& info) {
+    const auto traffic = info.getMemoryValues(RooflineMemoryValuesType::Traffic);
+    const auto time = info.getMemoryValues(RooflineMemoryValuesType::Time);
+    const auto roofs = info.getMemoryRoofs();
+    std::vector<LevelLine> lines;
+    for (const auto& point : info.getMemLevelPoints()) {
+        auto& line = lines.emplace_back();
+        const auto named = std::find_if(traffic.begin(), traffic.end(), [&](const MemoryValue& each) {
+            return each.memoryLevel == point.memoryLevel;
+        });
+        if (named != traffic.end()) line.level = named->caption;
+        line.traffic = point.traffic;
+        line.intensity = point.ai;
+        const auto roof = std::find_if(roofs.begin(), roofs.end(), [&](const RoofItem& each) {
+            return each.memoryLevel == point.memoryLevel;
+        });
+        if (roof != roofs.end())
+            line.roof =
+                roofOver(roof->name, point.ai * static_cast<double>(roof->value) / kGiga, point.performance);
+        line.trafficShare = shareIn(traffic, point.memoryLevel);
+        line.timeShare = shareIn(time, point.memoryLevel);
+        line.isNearest = point.limitingRoofId != RoofId::None;
+    }
+    return lines;
+}
+
+// The roofs that the point stands on or above: why the library passed them over.
+void readRoofsBelow(RowLine& line, const IRowRooflineInfo& info) {
+    const auto memory = info.getMemoryRoofs();
+    if (!line.limit && !memory.empty()) {
+        const auto& highest = memory.back();
+        auto over = roofOver(highest.name, *line.intensity * static_cast<double>(highest.value) / kGiga,
+                             *line.performance);
+        if (over.fraction > 1.0) line.underMemory = std::move(over);
+    }
+    const auto compute = info.getComputeRoof(OperationsType::Undefined);
+    const auto over = roofOver(compute.name, static_cast<double>(compute.value) / kGiga, *line.performance);
+    if (compute.id != RoofId::None && over.fraction >= 1.0) line.underCompute = over;
+}
+
+std::string causeWithoutLimit(const RowLine& line, const IRowRooflineInfo& info) {
+    if (line.limit || line.underMemory) return {};
+    const bool hasCompute = info.getComputeRoof(OperationsType::Undefined).id != RoofId::None;
+    const bool hasMemory = !info.getMemoryRoofs().empty();
+    if (!hasCompute && !hasMemory) return "no roofs";
+    if (!hasCompute) return "no " + line.operations + " roof for it";
+    return hasMemory ? "no roof found" : "no memory roof";
+}
+
+std::string doubtOf(const RowLine& line, const IRowRooflineInfo& info) {
+    if (line.isValid || !line.limit) return {};
+    if (info.getLimitingRoof(true).boundCategory == BoundCategory::None)
+        return "limited by a roof of no known kind";
+    if (info.areMemLevelMetricsAvailable() && !line.nearest)
+        return line.levels.empty() ? line.levelCause : "above the roofs of all its levels";
+    return "holds other loops: only total data would do";
+}
+
+RowLine RowReader::read(const sptr_t<RowNode>& row) const {
+    RowLine line;
+    line.id = std::to_string(row->getId());
+    m_data.getString(row, m_name, 0, line.name);
+    m_data.getString(row, m_location, 0, line.location);
+    variant_t seconds;
+    if (m_data.getValue(row, m_time, 0, seconds)) line.seconds = seconds.toDouble();
+    if (line.seconds && m_programSeconds > 0) line.share = *line.seconds / m_programSeconds;
+
+    const auto info = m_rooflines.of(row);
+    const auto point = info->getPoint();
+    line.isValid = info->isValid();
+    // On logarithmic axes there is no place for a 0.
+    if (point.operationsType == OperationsType::Undefined || !(point.performance > 0.0 && point.ai > 0.0)) {
+        line.cause = missingOf(row, m_rooflines.dataset(), m_rooflines.isTotal());
+        return line;
+    }
+    line.operations = point.operationsType == OperationsType::Int ? "int" : "float";
+    line.intensity = point.ai;
+    line.performance = point.performance;
+    line.limit = roofOver(info->getLimitingRoof(true), point.performance);
+    line.nearest = roofOver(info->getLimitingRoof(false), point.performance);
+    readRoofsBelow(line, *info);
+    line.cause = causeWithoutLimit(line, *info);
+    line.levels = levelsOf(*info);
+    if (line.levels.empty() && m_rooflines.levelCount() > 1)
+        line.levelCause = hasCell(row, m_floatOps) && hasCell(row, m_intOps)
+                              ? "levels need loads and stores, 0 included"
+                              : "levels need float and integer counts, 0 included";
+    line.doubt = doubtOf(line, *info);
+    if (line.doubt.empty() && m_rooflines.isWithCallees(row, *info)) line.doubt = "with all that it calls";
+    return line;
+}
+
+std::optional<double> keyOf(const RowLine& line, RowOrder order) {
+    return order == RowOrder::Time       ? line.share
+           : order == RowOrder::Distance ? line.speedUp()
+                                         : line.performance;
+}
+
+}  // namespace
+
+std::optional<double> RowLine::speedUp() const {
+    if (!limit) return {};
+    return limit->height / *performance;
+}
+
+std::vector<RowLine> readRows(const Session& session, const RowRooflines& rooflines) {
+    const RowReader reader(rooflines, session.viewModel->getProgramInfo().elapsedTime);
+    std::vector<RowLine> lines;
+    forEachChartRow(rooflines.dataset(), [&](const auto& row) { lines.push_back(reader.read(row)); });
+    return lines;
+}
+
+void sortLines(std::vector<RowLine>& lines, RowOrder order) {
+    std::stable_sort(lines.begin(), lines.end(), [order](const RowLine& a, const RowLine& b) {
+        return keyOf(a, order).value_or(-1.0) > keyOf(b, order).value_or(-1.0);
+    });
+}
+
+}  // namespace cli

@@ -1,0 +1,186 @@
+#include "roofline_model/loop_details.h"
+
+#include "host_interfaces/host_functions.h"
+
+#include "roofline_model/bag_helpers.h"
+#include "roofline_model/chart_widgets.h"
+#include "roofline_model/cpu_row_roofline_helper.h"
+#include "roofline_model/roof_names.h"
+#include "roofline_model/row_roofline_engine.h"
+#include "roofline_model/threading.h"
+#include "roofline_model/translation.h"
+#include "roofline_model/unified/row_walk.h"
+
+#include <boost/property_tree/ptree.hpp>
+
+#include <set>
+
+namespace data_models2 {
+
+namespace {
+
+constexpr auto kItem = "item";
+
+// The ids of a list: "item" children, or the items of an "item" that is a list itself.
+void collectIds(const variant_bag_t& list, std::set<std::string>& ids) {
+    for (const auto& [name, child] : list) {
+        if (name != kItem) continue;
+        if (child.empty())
+            ids.insert(toText(child.data()));
+        else
+            collectIds(child, ids);
+    }
+}
+
+// Whether the row has a point and roofs, but none of its memory roofs stands above it.
+bool isAboveAllRoofs(const CRowRooflineEngine& engine) {
+    const RooflinePoint point = engine.getPoint();
+    return point.ai > 0.0 && !engine.getMemoryRoofs().empty() &&
+           engine.getComputeRoof(point.operationsType).id != RoofId::None &&
+           engine.getLimitingRoof(true).name.empty();
+}
+
+// Without memory levels the row engine has no bottleneck to draw: the total point and its roof stand in.
+variant_bag_t drawTotalLimit(const CRowRooflineEngine& engine, const std::vector<std::string>& messages) {
+    using namespace roofline::helpers;
+    constexpr int kPercent = 0;
+    const RooflinePoint point = engine.getPoint();
+    const LimitingRoof roof = engine.getLimitingRoof(true);
+    BottleneckWidget widget;
+    widget.addLoopWithLimitingRoof(logPosition(point.ai), logPosition(point.performance), roof.name,
+                                   logHeight(roof), logPosition(roof.limitValue),
+                                   wholePercent(point.performance, roof.limitValue), kPercent);
+    for (const auto& message : messages) widget.addMessage(message);
+    return widget.get();
+}
+
+}  // namespace
+
+bool roofline::helpers::parseLoopAdditionalInfoRequest(const std::string& request, variant_bag_t& bag) {
+    return loadBag(request, bag);
+}
+
+bool LoopDetails::initDataForLoopAdditionalInfo(
+    const variant_bag_t& bag, const std::string& configuration,
+    const std::shared_ptr<LoopAdditionalInfoParams>& params) const {
+    if (!params || !params->configurations.init(configuration, m_core.options()) || !m_viewModel)
+        return false;
+    if (params->configurations.empty()) return false;
+    params->dataset =
+        EngineCore::chooseDataset(m_core.kind(), *m_viewModel, params->configurations, nullptr, nullptr);
+    if (!params->dataset) return false;
+    roofline::parseRoofParams(bag, roofline::getThreadsInfo(m_viewModel), params->features);
+    params->roofManager = m_viewModel->getRoofManager(params->dataset->getDataType());
+    return params->roofManager != nullptr;
+}
+
+std::string LoopDetails::getLoopAdditionalInfo(const std::string& request,
+                                               const std::string& configuration) const {
+    variant_bag_t bag;
+    const auto params = std::make_shared<LoopAdditionalInfoParams>();
+    if (!roofline::helpers::parseLoopAdditionalInfoRequest(request, bag) ||
+        !initDataForLoopAdditionalInfo(bag, configuration, params))
+        return {};
+    std::set<std::string> ids;
+    collectIds(bag, ids);
+    variant_bag_t result;
+    VBagHelper::addAttribute(result, VBagAttr<std::string>{"arrayOf", kItem});
+    const auto addRow = [&](const sptr_t<IDataset>&, const sptr_t<RowNode>& row, int) {
+        const auto id = roofline::helpers::getLoopId(row);
+        if (ids.contains(id)) result.push_back({kItem, getLoopAdditionalInfoBag(id, row, *params)});
+        return 0;
+    };
+    forEachDatasetRows4Loops(params->dataset, addRow, {});
+    return saveBag(result);
+}
+
+variant_bag_t LoopDetails::getLoopAdditionalInfoBag(const std::string& id, const sptr_t<RowNode>& row,
+                                                    const LoopAdditionalInfoParams& params) const {
+    const auto helper = std::make_shared<CpuRowRooflineHelper>(
+        params.roofManager, getInstructionMixMap(row, params.dataset), static_cast<unsigned>(m_memoryLevels),
+        std::make_shared<RoofThreadingFeatures>(params.features));
+    const auto engine = std::make_shared<CRowRooflineEngine>(row, params.dataset, helper);
+    variant_bag_t result;
+    VBagHelper::addAttribute(result, VBagAttr<std::string>{"id", id});
+    VBagHelper::addAttribute(result, VBagAttr<variant_bag_t>{"roofline", engine->getRooflineVariantBag()});
+    VBagHelper::addAttribute(
+        result, VBagAttr<variant_bag_t>{"bottleneck", getBottleneck(params.configurations, engine, *helper)});
+    VBagHelper::addAttribute(result,
+                             VBagAttr<variant_bag_t>{"memoryMetrics", engine->getMemoryMetricsVariantBag()});
+    VBagHelper::addAttribute(result, VBagAttr<variant_bag_t>{"threads", getThreads(helper->getRoofParam())});
+    return result;
+}
+
+variant_bag_t LoopDetails::getObjectBag(const std::string& objectId, const std::string& configuration) const {
+    const auto params = std::make_shared<LoopAdditionalInfoParams>();
+    variant_bag_t result;
+    if (!initDataForLoopAdditionalInfo({}, configuration, params)) return result;
+    bool found = false;
+    const auto look = [&](const sptr_t<IDataset>& dataset, const sptr_t<RowNode>& row, int) {
+        if (roofline::getObjectId(row, dataset) != objectId) return 0;
+        result = getLoopAdditionalInfoBag(roofline::helpers::getLoopId(row), row, *params);
+        found = true;
+        return -1;
+    };
+    const auto stillLooking = [&](const sptr_t<IDataset>&, const sptr_t<RowNode>&) { return !found; };
+    forEachDatasetRows4Loops(params->dataset, look, stillLooking);
+    return result;
+}
+
+variant_bag_t LoopDetails::getBottleneck(const RooflineConfigurations& configurations,
+                                         const std::shared_ptr<CRowRooflineEngine>& engine,
+                                         const CpuRowRooflineHelper& helper) const {
+    if (!helper.isValid(engine->areTotalMetricsAvailable()) || configurations.empty())
+        return engine->getBotteleneckVariantBag({});
+    if (isAboveAllRoofs(*engine)) {
+        roofline::helpers::BottleneckWidget widget;
+        widget.addMessage(roofline::translate("roofline_bottleneck_above_roofs"));
+        return widget.get();
+    }
+    const auto messages = describeLimit(*configurations.begin(), *engine);
+    const bool hasOnlyTotal = engine->isValid() && !engine->areMemLevelMetricsAvailable();
+    return hasOnlyTotal ? drawTotalLimit(*engine, messages) : engine->getBotteleneckVariantBag(messages);
+}
+
+std::vector<std::string> LoopDetails::describeLimit(const RooflineConfiguration& configuration,
+                                                    const CRowRooflineEngine& engine) const {
+    using roofline::getRooflineTypeFromOpsType;
+    using roofline::translate;
+    const auto type = getRooflineTypeFromOpsType(engine.getPoint().operationsType);
+    if (configuration.hasType(type) ||
+        configuration.hasType(getRooflineTypeFromOpsType(OperationsType::Mixed)))
+        return {describeLimit(engine)};
+    return {translate("roofline_bottleneck_wrong_configuration_general"),
+            translate("roofline_bottleneck_wrong_configuration_details",
+                      translate("roofline_options_operations_caption"),
+                      m_core.options()->getOptionCaption(type))};
+}
+
+std::string LoopDetails::describeLimit(const CRowRooflineEngine& engine) const {
+    const LimitingRoof roof = engine.getLimitingRoof(!engine.areMemLevelMetricsAvailable());
+    if (roof.boundCategory == BoundCategory::Compute)
+        return roofline::translate(
+            "roofline_bottleneck_bound_by_compute", roof.name,
+            roofline::helpers::wholePercent(engine.getPoint().performance, roof.limitValue));
+    const auto level = roofline_helpers::getMemoryRooflineType(roof.memoryLevel, TargetDeviceType::Cpu);
+    const auto caption = m_core.options()->getOptionCaption(level);
+    return roofline::translate("roofline_bottleneck_bound_by_memory", roof.name,
+                               caption.empty() ? roofline::helpers::getMemLevelCaption(level) : caption);
+}
+
+variant_bag_t LoopDetails::getThreads(const RoofThreadingFeatures& features) const {
+    const ThreadsInfo info = roofline::getThreadsInfo(m_viewModel);
+    variant_bag_t result;
+    const auto add = [&](const char* name, int value) {
+        VBagHelper::addAttribute(result, VBagAttr<int>{name, value});
+    };
+    add("physicalCoreCount", info.physicalCoreCount);
+    add("processorPackageCount", info.processorPackageCount);
+    add("usedNumberOfThreads", info.usedNumberOfThreads);
+    add("threadCount", features.threadCount);
+    add("packageCount", features.packageCount);
+    add("useSTRoofsStrategy", features.strategy == RoofThreadingFeatures::Strategy::SingleThread);
+    return result;
+}
+
+}  // namespace data_models2

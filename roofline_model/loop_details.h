@@ -1,0 +1,67 @@
+// The details of chosen loops of a CPU result, and of a pair of rows of two results.
+#pragma once
+
+#include "host_interfaces/roofline_services.h"
+
+#include "roofline_model/engine_core.h"
+
+#include <boost/property_tree/ptree.hpp>
+
+#include <memory>
+#include <string>
+
+namespace data_models2 {
+
+class CRowRooflineEngine;
+class CpuRowRooflineHelper;
+
+// What a request for details was parsed into.
+struct LoopAdditionalInfoParams {
+    sptr_t<IDataset> dataset;
+    std::shared_ptr<IRoofManager> roofManager;
+    RooflineConfigurations configurations;
+    RoofThreadingFeatures features;
+};
+
+namespace roofline::helpers {
+
+// The bag of a request's text: a list "item" of loop ids and the keys of `parseRoofParams`. False for what is
+// no JSON object.
+bool parseLoopAdditionalInfoRequest(const std::string& request, variant_bag_t& bag);
+
+}  // namespace roofline::helpers
+
+// The view of one result; it refers to the core of the engine that asks.
+class LoopDetails {
+public:
+    LoopDetails(const EngineCore& core, std::shared_ptr<ISurveyingViewModel> viewModel, int memoryLevels)
+        : m_core(core), m_viewModel(std::move(viewModel)), m_memoryLevels(memoryLevels) {}
+
+    // A JSON array with the bag of each row that the request names; an empty text when the request can't be
+    // met.
+    std::string getLoopAdditionalInfo(const std::string& request, const std::string& configuration) const;
+    // False without `params`, options, view model, dataset or roof table.
+    bool initDataForLoopAdditionalInfo(const variant_bag_t& bag, const std::string& configuration,
+                                       const std::shared_ptr<LoopAdditionalInfoParams>& params) const;
+    // "id", "roofline", "bottleneck", "memoryMetrics", "threads".
+    variant_bag_t getLoopAdditionalInfoBag(const std::string& id, const sptr_t<RowNode>& row,
+                                           const LoopAdditionalInfoParams& params) const;
+    // The details of the first row of a source object; an empty bag when there is none.
+    variant_bag_t getObjectBag(const std::string& objectId, const std::string& configuration) const;
+
+private:
+    variant_bag_t getBottleneck(const RooflineConfigurations& configurations,
+                                const std::shared_ptr<CRowRooflineEngine>& engine,
+                                const CpuRowRooflineHelper& helper) const;
+    // What limits the row, or how the configuration must change to tell.
+    std::vector<std::string> describeLimit(const RooflineConfiguration& configuration,
+                                           const CRowRooflineEngine& engine) const;
+    std::string describeLimit(const CRowRooflineEngine& engine) const;
+    variant_bag_t getThreads(const RoofThreadingFeatures& features) const;
+
+    const EngineCore& m_core;
+    std::shared_ptr<ISurveyingViewModel> m_viewModel;
+    int m_memoryLevels;
+};
+
+}  // namespace data_models2

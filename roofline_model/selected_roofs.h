@@ -1,0 +1,22 @@
+// Which roofs a chart shows at first, as JSON.
+#pragma once
+
+#include "host_interfaces/model.h"
+
+#include "roofline_model/rabbit.h"
+
+#include <string>
+#include <unordered_set>
+
+namespace data_models2::roofline {
+
+using RoofIds = std::unordered_set<RoofId>;
+
+// One member a roof, by its short name: whether it is selected and whether it is hidden.
+void fillRoofsState(rabbit::object& state, const RoofIds& selected, const RoofIds& hidden,
+                    generic_iterator_t<RoofItem> roofs);
+// An object whose one member "roofsState" is that state; an empty text without roofs.
+std::string createSelectedRoofsJson(const RoofIds& selected, const RoofIds& hidden,
+                                    generic_iterator_t<RoofItem> roofs);
+
+}  // namespace data_models2::roofline

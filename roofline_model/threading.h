@@ -1,0 +1,21 @@
+// The thread set-up of a chart: what a machine and a program offer, and what a request chooses of it.
+#pragma once
+
+#include "host_interfaces/model.h"
+
+#include <memory>
+
+namespace data_models2::roofline {
+
+// All 0 without a view model.
+ThreadsInfo getThreadsInfo(const std::shared_ptr<ISurveyingViewModel>& viewModel);
+
+// Caches and main memory that were measured; at least 1.
+int getMemoryLevelsCount(const std::shared_ptr<ISurveyingViewModel>& viewModel);
+
+// The set-up of a request's "threadCount", "packageCount" and "useSTRoofsStrategy"; what it doesn't say
+// stands at the used threads, one package and the multi-threaded strategy. Threads that don't fit on the
+// chosen packages take all.
+void parseRoofParams(const variant_bag_t& bag, const ThreadsInfo& info, RoofThreadingFeatures& out);
+
+}  // namespace data_models2::roofline
