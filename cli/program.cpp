@@ -123,6 +123,11 @@ void addReaders(Commands& commands) {
         ->type_name("FILE");
 }
 
+std::string checkId(const std::string& text) {
+    if (text.find_first_not_of("0123456789") == std::string::npos) return {};
+    return "expected an id, a whole number that isn't negative, found " + text;
+}
+
 constexpr auto kRowsFooter =
     R"(Each row is taken by the operations that it has most of, float or integer, with its total data where
 they are there, else with its self data; without callees the two are the same. Of --config the choice of call
@@ -178,7 +183,7 @@ void addRowReaders(Commands& commands) {
     auto [row, rowRequest] = commands.add<RowRequest>(commands.app, "row", "Print all details of one loop",
                                                       "roofline row result.json 3", runRow);
     addSource(*row, rowRequest->source);
-    row->add_option("ID", rowRequest->id, "the row's id")->required()->type_name("");
+    row->add_option("ID", rowRequest->id, "the row's id")->required()->check(checkId)->type_name("");
     addConfiguration(*row, rowRequest->configuration);
     addThreads(*row, rowRequest->roofs);
     row->add_flag("--bags", rowRequest->bags, "print its property bags: roofline, memoryMetrics, bottleneck");
@@ -193,6 +198,7 @@ void addRowReaders(Commands& commands) {
                      "packageCount, useSTRoofsStrategy; - for stdin")
         ->type_name("JSON");
     loop->add_option("--id", loopRequest->ids, "a loop's id, in place of a request; may be repeated")
+        ->check(checkId)
         ->type_name("ID");
 }
 

@@ -44,8 +44,9 @@ void dumpMetric(rabbit::object& object, const OpsAndBandMetric& metric);
 // The members "roofs" and "metrics", one entry an item.
 void dumpSummary(rabbit::object& object, const std::vector<SummaryItem>& items, TargetDeviceType device);
 
-// The summary of one row, over its self time and self operations. Adds nothing for an invalid row, a row
-// without elapsed time or one that no roof speaks of.
+// The summary of one row, over its self time and self operations. The traffic is that of the row's point at
+// the level: total traffic where total data are there, so a row with callees may exceed its roof. Adds
+// nothing for an invalid row, a row without elapsed time or one that no roof speaks of.
 void dumpRowOpsAndBandwidthSummary(rabbit::object& object,
                                    const std::shared_ptr<const CRowRooflineEngine>& engine,
                                    const sptr_t<IDataset>& dataset, const sptr_t<RowNode>& row);

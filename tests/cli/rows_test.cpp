@@ -311,6 +311,8 @@ TEST_F(Rows, RefuseWrongUsageWithOneLine) {
         {{"rows", kQuick, "--level", "L1"}, kUsage, "--level"},
         {{"rows", kQuick, "--sort", "name"}, kUsage, "--sort"},
         {{"rows", kQuick, "--top", "-1"}, kUsage, "--top"},
+        {{"row", kQuick, "-1"}, kUsage, "ID"},
+        {{"loop", kQuick, "--id", "-1"}, kUsage, "--id"},
         {{"rows", kQuick, "--threads", "many"}, kUsage, "--threads"},
         {{"rows", kQuick, "--perspective", "1"}, kUsage, "--perspective"},
         {{"rows", kQuick, "--config", "x"}, kUsage, "'x'"},
