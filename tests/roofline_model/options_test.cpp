@@ -43,6 +43,16 @@ caption=Call Stacks defRooflineTypes=["1"] isTwoStates=true )"
               caption + ", L1\n" + first + levels + "| L2 L2| L3 L3| L4 L4| DRAM DRAM" + last);
 }
 
+TEST(OptionTree, DefaultsToIntegersWhereNoFloatWorkIsAtTheFirstLevel) {
+    const auto metrics = makeMemoryMetrics(makeDataset("a SelfElapsedTime=1 SelfFloatOps=2 SelfMemL2=1"), {});
+    for (const int levels : {1, 4}) {
+        const auto tree = parse(initRooflineOptions(levels, metrics)->toString());
+        EXPECT_EQ(textOf(tree["groups"][0]["defRooflineTypes"]), R"(["i"])");
+        EXPECT_EQ(textOf(tree["defConfigurationCaption"]),
+                  levels == 1 ? "Default: integer operations" : "Default: integer operations, L1");
+    }
+}
+
 // With all levels; not made before the tests' messages are set up.
 std::shared_ptr<const CRooflineOptions> fullTree() {
     static const auto tree = initRooflineOptions(9, nullptr);
