@@ -13,7 +13,7 @@ import sys
 # floor; a name with its ending stands before it. The library's names stand below roofline_model/.
 FLOORS = """
 0  host_interfaces/:   export ids fields.inc values records signals model message_ids.inc roofline_services
-                       host_functions comparison
+                       host_functions comparison progress tasks
 1  roofline_model/:    row_data_access translation logging guard rabbit bag_helpers roof_names
 2  roofline_model/:    threading
 2  roofline_model/unified/:    value_getters roofline_options configurations
