@@ -81,15 +81,44 @@ OMBRIX_API std::string getCpuRoofConfiguration(int threadCount, int packageCount
                                                RoofThreadingFeatures::Strategy strategy,
                                                OperationsType operations,
                                                IRooflineInfo::Perspective perspective);
+// The same of a device. Undefined and Mixed take the roofs of all operations.
+OMBRIX_API std::string getGpuRoofConfiguration(TileUsage usage, OperationsType operations);
 }  // namespace roof
 
 namespace roofline_helpers {
 // The name of a memory level, as options and metrics use it: "L1", "DRAM", "L3gpu". Empty for no level. A
 // level that only devices have gives its "gpu" name for a CPU too.
 OMBRIX_API std::string getMemoryRooflineType(MemoryLevel level, TargetDeviceType target);
+// The name of a device's last memory level: "DRAMgpu", "HBMgpu", ... `memoryType` is that of
+// `GpuDeviceProperties`; what isn't known is taken for memory behind an external link, "XLIgpu".
+OMBRIX_API std::string getGpuMemoryRooflineType(unsigned long long memoryType);
 // The roof of a device's last memory level, by the level's name.
 OMBRIX_API RoofId getGpuLastMemLevelRoofId(const std::string& name);
 }  // namespace roofline_helpers
+
+namespace gpu_helpers {
+// Whether texts about a device with this memory speak of stacks (true) or of tiles. `memoryType` is that of
+// `GpuDeviceProperties`.
+OMBRIX_API bool useNewGpuTerminology(unsigned long long memoryType);
+}  // namespace gpu_helpers
+
+namespace gpu_roofline_helpers {
+// The group of an instruction class, a number of `GpuInstruction`: "compute", "memory", "atomic", or "other"
+// for all else.
+OMBRIX_API std::string getInstructionType(int instruction);
+}  // namespace gpu_roofline_helpers
+
+namespace issue_helpers {
+// What an analysis has found about a row. What bounds it stands in "bounded_by", a bag of "item" children
+// (beside "arrayOf") that each hold a text, the weightiest first: the name of a roof, such as "L3_BW", or of
+// something else, such as "Latencies". An empty bag when nothing was found.
+OMBRIX_API variant_bag_t getRowIssues(const sptr_t<RowNode>& row);
+}  // namespace issue_helpers
+
+namespace dataset_helpers {
+// The rows right below a row; a null iterator when there are none, and for a null row.
+OMBRIX_API RowIterator getChildren(const sptr_t<RowNode>& row);
+}  // namespace dataset_helpers
 
 namespace library_helpers {
 // Whether the row's time belongs to a library that is known to do work which no counter sees.

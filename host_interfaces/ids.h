@@ -112,8 +112,9 @@ enum class RoofId : std::int32_t {
     DeviceL3Bandwidth = 26,
 };
 
-// What kind of instruction a compute roof stands for; 0 on memory roofs.
-enum class RoofOpType : std::uint64_t { None = 0, Basic = 1, Fma = 2 };
+// What kind of instruction a compute roof stands for; 0 on memory roofs. No instruction that is counted is of
+// the kind Matrix: such a roof is drawn and never chosen for a row.
+enum class RoofOpType : std::uint64_t { None = 0, Basic = 1, Fma = 2, Matrix = 3 };
 
 // Base type of arithmetic; 3 and 4 are the two float forms.
 enum class ArithTypeDef : std::uint32_t { None = 0, Mixed = 1, Int = 2, Float = 3, FloatOther = 4 };
@@ -130,6 +131,31 @@ enum class ArithTypeExtDef : std::uint32_t {
     Int32 = 8,
     Int64 = 9,
 };
+
+// Classes of a device's instructions, as statistic rows count them (field GpuInstructionType).
+enum class GpuInstruction : int {
+    NotDefined = 0,
+    Move = 1,
+    Basic = 2,  // additions, multiplications, comparisons
+    Fma = 3,
+    Div = 4,
+    Power = 5,
+    Math = 6,  // roots, exponentials, trigonometry
+    Load = 7,
+    Store = 8,
+    SlmLoad = 9,
+    SlmStore = 10,
+    SlmAtomic = 11,
+    Mad = 12,
+    GlobalAtomic = 13,
+    ControlFlow = 14,
+    Sync = 15,
+    Vector = 16,  // what works on whole vectors or matrices at once
+    Bit = 17,
+};
+
+// How much of a device that consists of sub-devices is meant.
+enum class TileUsage : int { Single = 1, Multi = 2 };
 
 // Which table of a row's memory levels is meant.
 enum class RooflineMemoryValuesType : int { Utilization = 0, Traffic = 1, Time = 2 };

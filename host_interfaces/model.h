@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -66,6 +67,14 @@ public:
     virtual std::uint64_t getObjectId(const sptr_t<RowNode>& row) const = 0;
 };
 
+// Leads from a row of one dataset to the same row in another one.
+class OMBRIX_API IDatasetRowLinker {
+public:
+    virtual ~IDatasetRowLinker() = default;
+    // The row with the same id; null when there is none, and for a null row.
+    virtual sptr_t<RowNode> getLinkedRow(const sptr_t<RowNode>& row) const = 0;
+};
+
 // Does something for each row of a tree. The bag given is what the parent's visit returned.
 template <class Node>
 class OMBRIX_API IVisitHandler : public IRefCounted {
@@ -88,7 +97,8 @@ public:
 class OMBRIX_API IRoofManager {
 public:
     virtual ~IRoofManager() = default;
-    // The roofs of a configuration made by `roof::getCpuRoofConfiguration`; all roofs for an empty text.
+    // The roofs of a configuration made by `roof::getCpuRoofConfiguration` or `roof::getGpuRoofConfiguration`;
+    // all roofs for an empty text.
     virtual generic_iterator_t<RoofItem> getRoofs(const std::string& configuration) const = 0;
     // Replaces the values of the given roofs (bytes or operations per second) for a configuration; false when
     // refused.
@@ -132,6 +142,16 @@ public:
     virtual double getTotalTime() const = 0;
     // Bits of `collected_data`.
     virtual std::uint64_t getCollectedDataFlags() const = 0;
+
+    // What GPU results have beside; a result of another kind leaves the answers as they are here.
+    // The device of a target; nothing when none is known.
+    virtual std::optional<DeviceInfo> getDeviceInfo(TargetDeviceType) const { return std::nullopt; }
+    virtual GpuDeviceProperties getGpuDeviceProperties() const { return {}; }
+    // Links the rows of dataset `from` to those of dataset `to`; null when there is no such pair. The link
+    // keeps what it needs alive.
+    virtual std::shared_ptr<IDatasetRowLinker> getRowLinker(DataType /*from*/, DataType /*to*/) const {
+        return nullptr;
+    }
 };
 
 }  // namespace data_models2

@@ -133,6 +133,23 @@ struct ProgramInfo {
     double elapsedTime = 0.0;  // seconds
 };
 
+// What is known of a computing device by name.
+struct DeviceInfo {
+    std::string name;
+};
+
+// What is known of the device that a GPU result was measured on. The default knows nothing.
+struct GpuDeviceProperties {
+    std::uint64_t memoryType = 0;  // number of the MemoryLevel of the device's last memory; 0: unknown
+    std::uint64_t subDeviceCount = 0;    // 0: unknown
+    std::uint64_t computeUnitCount = 0;  // 0: unknown
+    bool isIntegrated = false;           // shares its memory with the CPU
+    bool hasMatrixUnits = false;
+    std::string name;
+    std::string vendor;
+    std::string architecture;
+};
+
 // What a machine and a program offer for a choice of threads.
 struct ThreadsInfo {
     int physicalCoreCount = 0;

@@ -58,4 +58,9 @@ sptr_t<IDatasetHelper> createDatasetHelper(const sptr_t<IDataset>& dataset) {
     return dataset ? sptr_t<IDatasetHelper>(new DatasetHelper(dataset)) : nullptr;
 }
 
+RowIterator dataset_helpers::getChildren(const sptr_t<RowNode>& row) {
+    RowIterator children;
+    return row && row->getChildren(children, 0, 1) > 0 ? children : RowIterator();
+}
+
 }  // namespace data_models2

@@ -54,6 +54,11 @@ std::string getMemoryRooflineType(MemoryLevel level, TargetDeviceType target) {
     return std::string(target == TargetDeviceType::Gpu ? names->gpu : names->cpu);
 }
 
+std::string getGpuMemoryRooflineType(unsigned long long memoryType) {
+    const auto name = getMemoryRooflineType(static_cast<MemoryLevel>(memoryType), TargetDeviceType::Gpu);
+    return name.empty() ? getMemoryRooflineType(MemoryLevel::Xli, TargetDeviceType::Gpu) : name;
+}
+
 RoofId getGpuLastMemLevelRoofId(const std::string& name) {
     const auto* const roof = findRow(kLastLevelRoofs, [&](const auto& row) { return row.name == name; });
     return roof ? roof->roof : RoofId::XliBandwidth;

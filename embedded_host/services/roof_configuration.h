@@ -20,4 +20,15 @@ struct RoofConfiguration {
 // Nothing for a text that isn't exactly one that `getCpuRoofConfiguration` makes, the empty text included.
 std::optional<RoofConfiguration> parseCpuRoofConfiguration(const std::string& text);
 
+// Made into a text by `data_models2::roof::getGpuRoofConfiguration`.
+struct GpuRoofConfiguration {
+    data_models2::TileUsage usage = data_models2::TileUsage::Multi;
+    data_models2::OperationsType operations = data_models2::OperationsType::Undefined;
+
+    auto operator<=>(const GpuRoofConfiguration&) const = default;
+};
+
+// Nothing for a text that isn't exactly one that `getGpuRoofConfiguration` makes.
+std::optional<GpuRoofConfiguration> parseGpuRoofConfiguration(const std::string& text);
+
 }  // namespace embedded_host

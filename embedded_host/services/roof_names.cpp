@@ -29,6 +29,10 @@ std::string getCpuRoofConfiguration(int threadCount, int packageCount,
     return getCpuRoofConfiguration(features, operations, perspective);
 }
 
+std::string getGpuRoofConfiguration(TileUsage usage, OperationsType operations) {
+    return fmt::format("tiles={};operations={}", static_cast<int>(usage), static_cast<unsigned>(operations));
+}
+
 }  // namespace data_models2::roof
 
 namespace embedded_host {
@@ -71,6 +75,18 @@ std::optional<RoofConfiguration> parseCpuRoofConfiguration(const std::string& te
     const auto expected =
         data_models2::roof::getCpuRoofConfiguration(result.features, result.operations, result.perspective);
     if (text != expected) return std::nullopt;
+    return result;
+}
+
+std::optional<GpuRoofConfiguration> parseGpuRoofConfiguration(const std::string& text) {
+    const GpuRoofConfiguration result{
+        .usage = static_cast<data_models2::TileUsage>(numberOf(text, "tiles=")),
+        .operations = static_cast<OperationsType>(numberOf(text, "operations="))};
+    using data_models2::TileUsage;
+    if (!isBetween(result.usage, TileUsage::Single, TileUsage::Multi) ||
+        !isBetween(result.operations, OperationsType::Float, OperationsType::Undefined) ||
+        text != data_models2::roof::getGpuRoofConfiguration(result.usage, result.operations))
+        return std::nullopt;
     return result;
 }
 

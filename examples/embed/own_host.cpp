@@ -4,6 +4,8 @@
 
 #include "roofline_model/factories.h"
 
+#include <boost/property_tree/ptree.hpp>
+
 #include <cstdio>
 #include <string>
 
@@ -37,12 +39,30 @@ std::string getCpuRoofConfiguration(int, int, RoofThreadingFeatures::Strategy, O
                                     IRooflineInfo::Perspective) {
     return {};
 }
+std::string getGpuRoofConfiguration(TileUsage, OperationsType) { return {}; }
 }  // namespace roof
 
 namespace roofline_helpers {
 std::string getMemoryRooflineType(MemoryLevel, TargetDeviceType) { return {}; }
+std::string getGpuMemoryRooflineType(unsigned long long) { return {}; }
 RoofId getGpuLastMemLevelRoofId(const std::string&) { return RoofId::XliBandwidth; }
 }  // namespace roofline_helpers
+
+namespace gpu_helpers {
+bool useNewGpuTerminology(unsigned long long) { return false; }
+}  // namespace gpu_helpers
+
+namespace gpu_roofline_helpers {
+std::string getInstructionType(int) { return "other"; }
+}  // namespace gpu_roofline_helpers
+
+namespace issue_helpers {
+variant_bag_t getRowIssues(const sptr_t<RowNode>&) { return {}; }
+}  // namespace issue_helpers
+
+namespace dataset_helpers {
+RowIterator getChildren(const sptr_t<RowNode>&) { return {}; }
+}  // namespace dataset_helpers
 
 namespace library_helpers {
 bool hasLibrary(const sptr_t<RowNode>&, const sptr_t<IDataset>&, int) { return false; }
