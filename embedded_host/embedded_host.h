@@ -4,6 +4,7 @@
 #include "host_interfaces/export.h"
 #include "host_interfaces/model.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -91,6 +92,15 @@ OMBRIX_API void setMessageFolder(const std::string& folder);
 using AssertionHandler =
     std::function<void(const std::string& expression, const std::string& unit, int line)>;
 OMBRIX_API void setAssertionHandler(AssertionHandler handler);
+
+// Background tasks of the library run on threads of this host's, two unless told otherwise; 0 turns them off.
+OMBRIX_API void setTaskThreads(unsigned count);
+// Tells what the tasks have found, on the calling thread, which has to be the one that calls the library.
+// Waits for tasks that are queued or running until none is left (true) or the limit has passed (false).
+OMBRIX_API bool pumpTasks(std::chrono::milliseconds limit);
+// Cancels all tasks, waits for the threads and tells nothing. Call it before the process ends, so that no
+// task runs while static objects are destroyed.
+OMBRIX_API void stopTasks();
 
 // A number for people: `precision` digits, thousands are not grouped; "N/A" for a value that isn't finite.
 OMBRIX_API std::string formatNumber(double value, int significantDigits);

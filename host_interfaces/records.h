@@ -30,6 +30,9 @@ struct RoofItem {
     std::uint64_t hostWord = 0;                         // the host's, copied unread
 };
 
+// By value.
+inline bool operator<(const RoofItem& a, const RoofItem& b) { return a.value < b.value; }
+
 // Which part of a machine holds a row back; the numbers are part of the interface.
 enum class BoundCategory : std::int32_t {
     Compute = 0,

@@ -37,6 +37,9 @@ private:
 
     void remember(const void* signal, boost::signals2::connection connection) {
         const std::lock_guard lock(m_mutex);
+        const auto isDead = [](const Entry& entry) { return !entry.second.connected(); };
+        m_connections.erase(std::remove_if(m_connections.begin(), m_connections.end(), isDead),
+                            m_connections.end());
         m_connections.emplace_back(signal, std::move(connection));
     }
     // Disconnects outside the lock: a slot object's destructor may come back here.

@@ -1,6 +1,17 @@
 #include "roofline_model/analysis_kinds.h"
 
+#include "roofline_model/cpu_roof_choice.h"
+
 namespace data_models2 {
+
+namespace {
+
+roofline::DominatingRoofs cpuDominatingRoofs(const DominatingRoofsTask& task, const ISurveyingViewModel&,
+                                             const std::shared_ptr<const CMemoryLevelMetrics>&) {
+    return roofline::getCpuDominatingRoofs(task.getProgramDominatingTypes());
+}
+
+}  // namespace
 
 const AnalysisKind& cpuAnalysis() {
     static const AnalysisKind kind{
@@ -9,6 +20,8 @@ const AnalysisKind& cpuAnalysis() {
         .tables = getCpuTables,
         .recipe = {},
         .totalLevels = {"L1", "DRAM"},
+        .dominance = DataType::Cpu,
+        .dominatingRoofs = cpuDominatingRoofs,
         .device = TargetDeviceType::Cpu,
     };
     return kind;

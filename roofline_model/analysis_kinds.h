@@ -1,7 +1,9 @@
 // What differs between the kinds of analysis: one record each.
 #pragma once
 
+#include "roofline_model/dominating_roofs_task.h"
 #include "roofline_model/memory_metrics.h"
+#include "roofline_model/selected_roofs.h"
 #include "roofline_model/unified/loop_params_tables.h"
 
 #include <memory>
@@ -17,6 +19,11 @@ struct AnalysisKind {
     MetricRecipe recipe;
     // Levels of the program's points: the first always, another when levels were measured and it has a time.
     std::vector<std::string> totalLevels;
+    // The dataset whose walk in the background finds what dominates the program, and the roofs that follow
+    // from it.
+    DataType dominance;
+    roofline::DominatingRoofs (*dominatingRoofs)(const DominatingRoofsTask&, const ISurveyingViewModel&,
+                                                 const std::shared_ptr<const CMemoryLevelMetrics>&);
     // What the captions of the roofs speak of.
     TargetDeviceType device;
 };

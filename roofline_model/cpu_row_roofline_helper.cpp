@@ -1,6 +1,7 @@
 #include "roofline_model/cpu_row_roofline_helper.h"
 
 #include "roofline_model/row_data_access.h"
+#include "roofline_model/threading.h"
 
 #include <algorithm>
 #include <array>
@@ -114,12 +115,10 @@ void CpuRowRooflineHelper::findRoofs(std::vector<RoofItem>& memoryRoofs,
     const RoofId floatRoof = findFloatRoof(vectorized);
     const RoofId intRoof = findIntRoof(vectorized);
 
-    // Set-ups exist for one thread and for even numbers.
     constexpr unsigned long long kMostThreads = std::numeric_limits<int>::max() - 1;
-    auto threads =
+    const auto threads =
         std::min(checkData<unsigned long long>(FieldId::ThreadCount, 0, m_row, m_dataset), kMostThreads);
-    if (threads > 1 && threads % 2) ++threads;
-    m_roofParam->threadCount = static_cast<int>(threads);
+    m_roofParam->threadCount = roofline::raiseOddThreads(static_cast<int>(threads));
     const auto perspective =
         vectorized ? IRooflineInfo::Perspective::Vectorized : IRooflineInfo::Perspective::NotVectorized;
     const auto configuration =
@@ -131,8 +130,7 @@ void CpuRowRooflineHelper::findRoofs(std::vector<RoofItem>& memoryRoofs,
         else if (roof::hasType(roof, RoofItem::Compute) && (roof.id == floatRoof || roof.id == intRoof))
             computeRoofs.push_back(std::move(roof));
     }
-    std::stable_sort(memoryRoofs.begin(), memoryRoofs.end(),
-                     [](const RoofItem& a, const RoofItem& b) { return a.value < b.value; });
+    std::stable_sort(memoryRoofs.begin(), memoryRoofs.end());
 }
 
 unsigned CpuRowRooflineHelper::getMemoryLevelNumber(MemoryLevel level) const {

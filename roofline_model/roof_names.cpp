@@ -206,7 +206,7 @@ std::vector<std::string> transformRooflineTypes(std::vector<std::string> types, 
     return types;
 }
 
-ArithTypeExtDef getArithTypeExtDef(ArithTypeDef base, unsigned bits) {
+ArithTypeExtDef getArithTypeExtDef(ArithTypeDef base, std::uint64_t bits) {
     struct Width {
         unsigned bits;
         ArithTypeExtDef integer;

@@ -54,6 +54,6 @@ OperationsType getRooflineOperationType(const std::string& configuration);
 // Float); other tokens stay, so a string that names both types goes on naming both.
 std::vector<std::string> transformRooflineTypes(std::vector<std::string> types, OperationsType operations);
 // A base type folded with its width in bits; None for an unsupported pair.
-ArithTypeExtDef getArithTypeExtDef(ArithTypeDef base, unsigned bits);
+ArithTypeExtDef getArithTypeExtDef(ArithTypeDef base, std::uint64_t bits);
 
 }  // namespace data_models2::roofline

@@ -4,6 +4,7 @@
 #include "host_interfaces/host_functions.h"
 
 #include "roofline_model/bag_helpers.h"
+#include "roofline_model/cpu_roof_choice.h"
 #include "roofline_model/guard.h"
 #include "roofline_model/logging.h"
 #include "roofline_model/loop_details.h"
@@ -29,22 +30,33 @@ OperationsType roofOperationsOf(const std::string& configuration, const EngineCo
     return first.hasType("f") ? OperationsType::Float : OperationsType::Mixed;
 }
 
+// Own values hold under every type of operations and perspective.
+std::string customRoofsKey(const RoofThreadingFeatures& features) {
+    return roof::getCpuRoofConfiguration(features, OperationsType::Undefined,
+                                         IRooflineInfo::Perspective::Program);
+}
+
 }  // namespace
 
 CRooflineEngine::CRooflineEngine() : CRooflineEngine(nullptr) {}
 
-CRooflineEngine::CRooflineEngine(std::shared_ptr<ISurveyingViewModel> viewModel) : m_core(cpuAnalysis()) {
+CRooflineEngine::CRooflineEngine(std::shared_ptr<ISurveyingViewModel> viewModel)
+    : m_core(cpuAnalysis()), m_dominance(std::make_unique<ProgramDominance>(m_core, changed)) {
     setModel(std::move(viewModel));
     guarded([this] { rebuildOptions(); });  // a host that fails now may answer at the next load
 }
 
 // The slots use members, so the connections go before them.
-CRooflineEngine::~CRooflineEngine() { disconnectAll(); }
+CRooflineEngine::~CRooflineEngine() {
+    disconnectAll();
+    m_dominance->disconnectAll();
+}
 
 void CRooflineEngine::setModel(std::shared_ptr<ISurveyingViewModel> viewModel) {
     disconnectAll();
     m_viewModel = std::move(viewModel);
     m_core.setViewModel(m_viewModel);
+    m_dominance->setModel(m_viewModel);
     if (!m_viewModel) return;
     m_viewModel->onSurveyResultLoaded().connect(
         *this, [this](IViewModelBase::LoadType type, const std::string& message) {
@@ -58,6 +70,7 @@ void CRooflineEngine::rebuildOptions() {
 
 void CRooflineEngine::onSurveyResultLoaded(IViewModelBase::LoadType type, const std::string&) {
     guarded([&] {
+        if (type == IViewModelBase::LoadType::Result) detectDominatingRoofsAsync();
         m_core.dropMemoryMetrics();
         m_core.initMemoryMetrics();
         rebuildOptions();
@@ -73,7 +86,8 @@ ThreadsInfo CRooflineEngine::getThreadsInfoStruct() const { return roofline::get
 int CRooflineEngine::getMemoryLevelsCount() const { return roofline::getMemoryLevelsCount(m_viewModel); }
 
 void CRooflineEngine::loadSummaryData(int kind, const std::function<void(const std::string&)>& callback) {
-    if (kind != 0) callback(std::string());
+    if (kind != 0) return callback(std::string());
+    guarded([&] { m_dominance->loadSummaryData(callback); });
 }
 
 std::string CRooflineEngine::getRooflineOptions() const {
@@ -139,7 +153,41 @@ std::string CRooflineEngine::getRooflineConfigurationStr(const std::vector<std::
     });
 }
 
-std::string CRooflineEngine::getSelectedRoofs(const std::string&, Perspective) const { return {}; }
+std::string CRooflineEngine::getSelectedRoofs(const std::string& configuration,
+                                              Perspective perspective) const {
+    return guarded(std::string(), [&]() -> std::string {
+        if (!m_viewModel) return {};
+        roofline::RoofIds selected;
+        roofline::fillSelectedMemoryRoofs(selected, configuration, m_core.options(), getMemoryLevelsCount(),
+                                          perspective);
+        const auto& dominating = m_dominance->dominatingRoofs();
+        if (dominating.empty()) detectDominatingRoofsAsync();  // may run inside the call
+        if (!dominating.empty()) {
+            const auto& roofs = dominating.at(perspective);
+            selected.insert(roofs.begin(), roofs.end());
+        }
+        const auto roofManager = m_core.getRoofManager();
+        if (!roofManager) return {};
+        const auto roofs = roofManager->getRoofs(std::string());
+        return roofline::createSelectedRoofsJson(selected, roofline::getCpuHiddenRoofs(roofs, perspective),
+                                                 roofs);
+    });
+}
+
+bool CRooflineEngine::setCustomRoofValues(RoofId roof, unsigned long long value,
+                                          const RoofThreadingFeatures& features) {
+    return guarded(false, [&] {
+        const auto roofManager = m_viewModel ? m_core.getRoofManager() : nullptr;
+        return roofManager && roofManager->setCustomRoofValues({{roof, value}}, customRoofsKey(features));
+    });
+}
+
+bool CRooflineEngine::clearCustomRoofValues(const RoofThreadingFeatures& features) {
+    return guarded(false, [&] {
+        const auto roofManager = m_viewModel ? m_core.getRoofManager() : nullptr;
+        return roofManager && roofManager->clearCustomRoofValues(customRoofsKey(features));
+    });
+}
 
 std::string CRooflineEngine::getLoopAdditionalInfo(const std::string& request,
                                                    std::shared_ptr<IResultController>,

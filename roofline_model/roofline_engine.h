@@ -5,6 +5,7 @@
 
 #include "roofline_model/dominating_type_helper.h"
 #include "roofline_model/engine_core.h"
+#include "roofline_model/program_dominance.h"
 #include "roofline_model/rabbit.h"
 
 #include <memory>
@@ -23,6 +24,8 @@ public:
     // Replaces the view model and listens to its load signal.
     void setModel(std::shared_ptr<ISurveyingViewModel> viewModel);
     void onSurveyResultLoaded(IViewModelBase::LoadType type, const std::string& message);
+    // Starts the background task; its completion raises `changed`.
+    void detectDominatingRoofsAsync() const { m_dominance->detectDominatingRoofsAsync(); }
     ThreadsInfo getThreadsInfoStruct() const;
     // At least 1.
     int getMemoryLevelsCount() const;
@@ -48,6 +51,9 @@ public:
     int getDominatingOperationType(sptr_t<RowNode> row) const override;
     int getDominatingFloatType(sptr_t<RowNode> row) const override;
     int getDominatingIntType(sptr_t<RowNode> row) const override;
+    bool setCustomRoofValues(RoofId roof, unsigned long long value,
+                             const RoofThreadingFeatures& features) override;
+    bool clearCustomRoofValues(const RoofThreadingFeatures& features) override;
 
 private:
     void rebuildOptions();
@@ -57,6 +63,7 @@ private:
 
     std::shared_ptr<ISurveyingViewModel> m_viewModel;
     EngineCore m_core;
+    const std::unique_ptr<ProgramDominance> m_dominance;
 };
 
 }  // namespace data_models2

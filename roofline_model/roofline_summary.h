@@ -4,11 +4,14 @@
 #include "host_interfaces/model.h"
 
 #include "roofline_model/json_dumps.h"
+#include "roofline_model/memory_metrics.h"
+#include "roofline_model/operation_map.h"
 #include "roofline_model/rabbit.h"
 #include "roofline_model/row_roofline_engine.h"
 
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace data_models2::roofline::summary {
@@ -43,6 +46,15 @@ std::string getLevelName(const RoofItem& roof, TargetDeviceType device);
 void dumpMetric(rabbit::object& object, const OpsAndBandMetric& metric);
 // The members "roofs" and "metrics", one entry an item.
 void dumpSummary(rabbit::object& object, const std::vector<SummaryItem>& items, TargetDeviceType device);
+
+// The summary of a program, a JSON object: its memory roofs, ascending, and of each type of operations that
+// was counted the compute roof among `selectedRoofs`. `operationMap` may be null. Empty without metrics, view
+// model, roofs or elapsed time.
+std::string getProgramOpsAndBandwidthSummary(const std::shared_ptr<const CMemoryLevelMetrics>& metrics,
+                                             const std::shared_ptr<ISurveyingViewModel>& viewModel,
+                                             TargetDeviceType device,
+                                             const std::unordered_set<RoofId>& selectedRoofs,
+                                             const std::shared_ptr<const OperationMap>& operationMap);
 
 // The summary of one row, over its self time and self operations. The traffic is that of the row's point at
 // the level: total traffic where total data are there, so a row with callees may exceed its roof. Adds

@@ -10,6 +10,9 @@ namespace data_models2::roofline {
 // All 0 without a view model.
 ThreadsInfo getThreadsInfo(const std::shared_ptr<ISurveyingViewModel>& viewModel);
 
+// Set-ups exist for one thread and for even numbers: an odd number above 1 is raised to the next even one.
+constexpr int raiseOddThreads(int threads) { return threads > 1 && threads % 2 ? threads + 1 : threads; }
+
 // Caches and main memory that were measured; at least 1.
 int getMemoryLevelsCount(const std::shared_ptr<ISurveyingViewModel>& viewModel);
 

@@ -15,17 +15,18 @@ FLOORS = """
 0  host_interfaces/:   export ids fields.inc values records signals model message_ids.inc roofline_services
                        host_functions comparison progress tasks
 1  roofline_model/:    row_data_access translation logging guard rabbit bag_helpers roof_names
-2  roofline_model/:    threading
+2  roofline_model/:    threading operation_map gpu_operation_map_provider
 2  roofline_model/unified/:    value_getters roofline_options configurations
-3  roofline_model/:    memory_metrics dominating_type_helper
+3  roofline_model/:    memory_metrics dominating_type_helper dominating_roofs_task compute_roofs
 3  roofline_model/unified/:    roofline_totals
-4  roofline_model/:    selected_roofs
+4  roofline_model/:    selected_roofs cpu_roof_choice
 4  roofline_model/unified/:    option_tables loop_params loop_params_tables cpu_loop_params_tables row_walk
                                row_reader loops view_rect chart_range
 5  roofline_model/:    row_roofline_helper row_roofline_engine row_memory_levels cpu_row_roofline_helper
                        chart_widgets
-6  roofline_model/:    row_result json_dumps roofline_summary loop_details analysis_kinds roof_catalogue
-                       no_data_rules roofline_document engine_core roofline_engine factories
+6  roofline_model/:    row_result json_dumps roofline_summary program_summary loop_details analysis_kinds roof_catalogue
+                       no_data_rules roofline_document engine_core program_dominance roofline_engine
+                       factories
 """
 
 # What a whole folder sees beside itself: floors of the table up to a number, or the files named.
