@@ -17,7 +17,8 @@ install(FILES ${PROJECT_BINARY_DIR}/OmbrixRooflineConfig.cmake ${PROJECT_BINARY_
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/host_interfaces DESTINATION ${include_folder}
         FILES_MATCHING PATTERN "*.h" PATTERN "*.inc")
 install(FILES ${PROJECT_SOURCE_DIR}/embedded_host/embedded_host.h DESTINATION ${include_folder}/embedded_host)
-install(FILES ${PROJECT_SOURCE_DIR}/roofline_model/factories.h DESTINATION ${include_folder}/roofline_model)
+install(FILES ${PROJECT_SOURCE_DIR}/roofline_model/factories.h ${PROJECT_SOURCE_DIR}/roofline_model/report_helpers.h
+        DESTINATION ${include_folder}/roofline_model)
 
 file(GLOB schemas CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.schema.json)
 install(FILES ${schemas} DESTINATION ${share_folder}/schemas)

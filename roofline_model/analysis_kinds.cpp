@@ -1,15 +1,115 @@
 #include "roofline_model/analysis_kinds.h"
 
+#include "host_interfaces/host_functions.h"
+
+#include "roofline_model/compute_roofs.h"
 #include "roofline_model/cpu_roof_choice.h"
+#include "roofline_model/cpu_row_roofline_helper.h"
+#include "roofline_model/factories.h"
+#include "roofline_model/gpu_roof_choice.h"
+#include "roofline_model/roof_names.h"
+#include "roofline_model/row_roofline_engine.h"
+#include "roofline_model/unified/gpu_levels.h"
+#include "roofline_model/unified/option_tables.h"
+
+#include <algorithm>
 
 namespace data_models2 {
 
 namespace {
 
-roofline::DominatingRoofs cpuDominatingRoofs(const DominatingRoofsTask& task, const ISurveyingViewModel&,
-                                             const std::shared_ptr<const CMemoryLevelMetrics>&) {
+using roofline::RoofIds;
+using roofline::RoofPerspective;
+using Metrics = std::shared_ptr<const CMemoryLevelMetrics>;
+
+namespace cpu {
+
+std::vector<std::string> totalLevels(const RooflineConfigurations&, int memoryLevels) {
+    if (memoryLevels > 1) return {"L1", "DRAM"};
+    return {"L1"};
+}
+
+// Deliberate: unlike the chart, roofs stand at mixed operations when nothing is said.
+OperationsType roofOperations(const std::string& configuration, const ResultState& state) {
+    RooflineConfigurations configurations;
+    if (!configurations.init(configuration, state.options) || configurations.empty())
+        return OperationsType::Mixed;
+    const RooflineConfiguration& first = *configurations.begin();
+    if (first.hasType("i")) return OperationsType::Int;
+    return first.hasType("f") ? OperationsType::Float : OperationsType::Mixed;
+}
+
+roofline::DominatingRoofs dominatingRoofs(const DominatingRoofsTask& task, const ISurveyingViewModel&,
+                                          const Metrics&) {
     return roofline::getCpuDominatingRoofs(task.getProgramDominatingTypes());
 }
+
+DetailedRow detailedRow(const RowRequest& request) {
+    const auto helper = std::make_shared<CpuRowRooflineHelper>(
+        request.roofManager, getInstructionMixMap(request.row, request.dataset),
+        static_cast<unsigned>(request.memoryLevels),
+        std::make_shared<RoofThreadingFeatures>(request.features));
+    const auto engine = std::make_shared<CRowRooflineEngine>(request.row, request.dataset, helper);
+    return {engine, helper->isValid(engine->areTotalMetricsAvailable()), helper->getRoofParam()};
+}
+
+}  // namespace cpu
+
+namespace gpu {
+
+// The getters are bound by a walk, so each has its own.
+MetricRecipe recipe(const GpuDeviceProperties& device) {
+    MetricRecipe result{.operations = {{defGetter(FieldId::SelfFloatOps), OperationsType::Float},
+                                       {defGetter(FieldId::SelfIntOps), OperationsType::Int}},
+                        .traffic = {},
+                        .timeField = FieldId::GpuElapsedTime,
+                        .elapsedTimeField = FieldId::GpuElapsedTime};
+    for (const auto& name : getGpuMemoryLevels(device))
+        if (const auto* const level = findGpuLevel(name))
+            result.traffic.emplace_back(defGetter(level->traffic), name);
+    return result;
+}
+
+RooflineTypes optionValues(const RooflineTypes& types, const ResultState& state) {
+    return roofline::transformRooflineTypes(types, roofline::getDominatingType(state.metrics));
+}
+
+// The level that each configuration shows, once.
+std::vector<std::string> totalLevels(const RooflineConfigurations& configurations, int) {
+    std::vector<std::string> levels;
+    for (const auto& configuration : configurations) {
+        const std::string& level = configuration.getTypes().back();
+        if (std::find(levels.begin(), levels.end(), level) == levels.end()) levels.push_back(level);
+    }
+    return levels;
+}
+
+// Of the two choices of sub-devices, told as a number of packages.
+TileUsage usageOf(const RoofThreadingFeatures& features) {
+    return features.packageCount == 1 ? TileUsage::Single : TileUsage::Multi;
+}
+
+std::string roofConfiguration(const RoofThreadingFeatures& features, OperationsType operations,
+                              RoofPerspective) {
+    return roof::getGpuRoofConfiguration(usageOf(features), operations);
+}
+
+roofline::DominatingRoofs dominatingRoofs(const DominatingRoofsTask& task,
+                                          const ISurveyingViewModel& viewModel, const Metrics& metrics) {
+    const auto roofManager = viewModel.getRoofManager(DataType::Gpu);
+    const auto roofs = roofManager ? roofManager->getRoofs(std::string()) : generic_iterator_t<RoofItem>();
+    return roofline::getGpuDominatingRoofs(
+        roofline::getDominatingComputeRoofs(roofs, task.getProgramOperationMap(), metrics));
+}
+
+DetailedRow detailedRow(const RowRequest& request) {
+    auto engine = std::dynamic_pointer_cast<CRowRooflineEngine>(
+        createGpuRowRooflineInfo(request.row, request.dataset, request.viewModel, usageOf(request.features)));
+    const bool isAcceptable = engine != nullptr;
+    return {std::move(engine), isAcceptable, std::nullopt};
+}
+
+}  // namespace gpu
 
 }  // namespace
 
@@ -17,12 +117,68 @@ const AnalysisKind& cpuAnalysis() {
     static const AnalysisKind kind{
         .rows = DataType::Cpu,
         .totals = DataType::CpuTopDown,
-        .tables = getCpuTables,
-        .recipe = {},
-        .totalLevels = {"L1", "DRAM"},
-        .dominance = DataType::Cpu,
-        .dominatingRoofs = cpuDominatingRoofs,
+        .rowTime = FieldId::SelfTime,
         .device = TargetDeviceType::Cpu,
+        .tables = getCpuTables,
+        .recipe = [](const GpuDeviceProperties&) { return MetricRecipe(); },
+        .options = [](const ResultState& state, int memoryLevels) -> std::shared_ptr<const CRooflineOptions> {
+            return initRooflineOptions(memoryLevels, state.metrics);
+        },
+        .optionValues = [](const RooflineTypes& types, const ResultState&) { return types; },
+        .totalLevels = cpu::totalLevels,
+        .certainTotals = 1,
+        .roofOperations = cpu::roofOperations,
+        .roofConfiguration = roof::getCpuRoofConfiguration,
+        .selectMemoryRoofs =
+            [](RoofIds& selected, const std::string& configuration, RoofPerspective perspective,
+               const ResultState& state, int memoryLevels) {
+                roofline::fillSelectedMemoryRoofs(selected, configuration, state.options, memoryLevels,
+                                                  perspective);
+            },
+        .hiddenRoofs =
+            [](generic_iterator_t<RoofItem> roofs, RoofPerspective perspective, const ResultState&) {
+                return roofline::getCpuHiddenRoofs(std::move(roofs), perspective);
+            },
+        .dominance = DataType::Cpu,
+        .dominatingRoofs = cpu::dominatingRoofs,
+        .loadSteps = {LoadStep::DetectWhenNew, LoadStep::RebuildMetrics, LoadStep::RebuildOptions},
+        .detailedRow = cpu::detailedRow,
+        .defaultPackages = 1,
+    };
+    return kind;
+}
+
+const AnalysisKind& gpuAnalysis() {
+    static const AnalysisKind kind{
+        .rows = DataType::Gpu,
+        .totals = DataType::None,
+        .rowTime = FieldId::GpuElapsedTime,
+        .device = TargetDeviceType::Gpu,
+        .tables = getGpuTables,
+        .recipe = gpu::recipe,
+        .options = [](const ResultState& state, int) -> std::shared_ptr<const CRooflineOptions> {
+            return initRooflineOptions(state.metrics, state.device);
+        },
+        .optionValues = gpu::optionValues,
+        .totalLevels = gpu::totalLevels,
+        .certainTotals = 0,
+        .roofOperations =
+            [](const std::string& configuration, const ResultState&) {
+                return roofline::getRooflineOperationType(configuration);
+            },
+        .roofConfiguration = gpu::roofConfiguration,
+        .selectMemoryRoofs = [](RoofIds& selected, const std::string&, RoofPerspective,
+                                const ResultState& state,
+                                int) { roofline::fillDominatingMemoryRoofs(selected, state.device); },
+        .hiddenRoofs = [](generic_iterator_t<RoofItem>, RoofPerspective,
+                          const ResultState& state) { return roofline::getGpuHiddenRoofs(state.device); },
+        .dominance = DataType::GpuStatistics,
+        .dominatingRoofs = gpu::dominatingRoofs,
+        // Deliberate: the metrics of a load are still those of the device that was known before it.
+        .loadSteps = {LoadStep::RebuildMetrics, LoadStep::Detect, LoadStep::ReadDevice,
+                      LoadStep::RebuildOptions},
+        .detailedRow = gpu::detailedRow,
+        .defaultPackages = static_cast<int>(TileUsage::Multi),
     };
     return kind;
 }

@@ -4,30 +4,86 @@
 #include "roofline_model/dominating_roofs_task.h"
 #include "roofline_model/memory_metrics.h"
 #include "roofline_model/selected_roofs.h"
+#include "roofline_model/unified/configurations.h"
 #include "roofline_model/unified/loop_params_tables.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace data_models2 {
 
+class CRowRooflineEngine;
+
+// What an engine knows of its result.
+struct ResultState {
+    std::shared_ptr<const CRooflineOptions> options;
+    std::shared_ptr<const CMemoryLevelMetrics> metrics;
+    GpuDeviceProperties device;  // as told at the last load
+};
+
+// A row whose details are asked for.
+struct RowRequest {
+    const sptr_t<RowNode>& row;
+    const sptr_t<IDataset>& dataset;
+    const std::shared_ptr<ISurveyingViewModel>& viewModel;
+    const std::shared_ptr<IRoofManager>& roofManager;
+    const RoofThreadingFeatures& features;
+    int memoryLevels;
+};
+
+struct DetailedRow {
+    std::shared_ptr<CRowRooflineEngine> engine;    // null when nothing can be told of the row
+    bool isAcceptable = false;                     // by the kind's strategy
+    std::optional<RoofThreadingFeatures> threads;  // that its roofs stand for; a device has no such choice
+};
+
+// What an engine does when its result was loaded.
+enum class LoadStep { DetectWhenNew, Detect, RebuildMetrics, ReadDevice, RebuildOptions };
+
 struct AnalysisKind {
     DataType rows;    // the dataset of self data, of the roofs and of the metrics
-    DataType totals;  // the dataset of total data
+    DataType totals;  // the dataset of total data; None when there never is one
+    FieldId rowTime;  // of a chart that stays empty: whether what has operations was timed
+    // What the captions of the roofs speak of.
+    TargetDeviceType device;
     const ChartTables& (*tables)();
-    MetricRecipe recipe;
-    // Levels of the program's points: the first always, another when levels were measured and it has a time.
-    std::vector<std::string> totalLevels;
+    MetricRecipe (*recipe)(const GpuDeviceProperties& device);
+    // `memoryLevels` here and below: as measured, 1 when only the core's traffic was.
+    std::shared_ptr<const CRooflineOptions> (*options)(const ResultState& state, int memoryLevels);
+    // The option values of a selection, made fit for the tree.
+    RooflineTypes (*optionValues)(const RooflineTypes& types, const ResultState& state);
+
+    // Levels of the program's points, not empty for a chart that has configurations. The first
+    // `certainTotals` always are, another when it has a time.
+    std::vector<std::string> (*totalLevels)(const RooflineConfigurations& configurations, int memoryLevels);
+    std::size_t certainTotals;
+
+    // The operations that a chart's roofs stand for, and the text by which the roof table selects them.
+    OperationsType (*roofOperations)(const std::string& configuration, const ResultState& state);
+    std::string (*roofConfiguration)(const RoofThreadingFeatures& features, OperationsType operations,
+                                     roofline::RoofPerspective perspective);
+    void (*selectMemoryRoofs)(roofline::RoofIds& selected, const std::string& configuration,
+                              roofline::RoofPerspective perspective, const ResultState& state,
+                              int memoryLevels);
+    roofline::RoofIds (*hiddenRoofs)(generic_iterator_t<RoofItem> roofs,
+                                     roofline::RoofPerspective perspective, const ResultState& state);
+
     // The dataset whose walk in the background finds what dominates the program, and the roofs that follow
     // from it.
     DataType dominance;
     roofline::DominatingRoofs (*dominatingRoofs)(const DominatingRoofsTask&, const ISurveyingViewModel&,
                                                  const std::shared_ptr<const CMemoryLevelMetrics>&);
-    // What the captions of the roofs speak of.
-    TargetDeviceType device;
+
+    // In this order; `DetectWhenNew` does nothing on a mere refresh.
+    std::vector<LoadStep> loadSteps;
+
+    DetailedRow (*detailedRow)(const RowRequest& request);
+    int defaultPackages;  // of a request for details that doesn't choose
 };
 
 const AnalysisKind& cpuAnalysis();
+const AnalysisKind& gpuAnalysis();
 
 }  // namespace data_models2

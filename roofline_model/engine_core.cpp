@@ -2,10 +2,14 @@
 
 #include "host_interfaces/host_functions.h"
 
+#include "roofline_model/guard.h"
+#include "roofline_model/roof_catalogue.h"
 #include "roofline_model/roofline_document.h"
 #include "roofline_model/unified/chart_range.h"
 
 namespace data_models2 {
+
+using roofline::guarded;
 
 namespace {
 
@@ -17,17 +21,17 @@ OperationsType operationsOf(const RooflineConfiguration& configuration) {
     return configuration.hasType("i") ? OperationsType::Int : OperationsType::Float;
 }
 
-Totals makeTotals(const AnalysisKind& kind, const EngineCore::Metrics& metrics,
-                  const sptr_t<IDataset>& dataset, const RooflineConfigurations& configurations,
-                  int memoryLevels, double elapsedTime) {
-    const std::string& firstLevel = kind.totalLevels.front();
-    if (configurations.empty()) return Totals(1, roofline::helpers::SRooflineTotal{.name = firstLevel});
+Totals makeTotals(const AnalysisKind& kind, const ResultState& state, const sptr_t<IDataset>& dataset,
+                  const RooflineConfigurations& configurations, int memoryLevels, double elapsedTime) {
+    if (configurations.empty()) return {};
+    const auto levels = kind.totalLevels(configurations, memoryLevels);
     const OperationsType operations = operationsOf(*configurations.begin());
-    if (!metrics) return {getRooflineTotal(dataset, operations, firstLevel)};
-    Totals totals{getRooflineTotal(*metrics, operations, firstLevel, elapsedTime)};
-    for (std::size_t i = 1; memoryLevels > 1 && i < kind.totalLevels.size(); ++i) {
-        auto total = getRooflineTotal(*metrics, operations, kind.totalLevels[i], elapsedTime);
-        if (total.elapsedTime > 0.0) totals.push_back(std::move(total));
+    if (!state.metrics)
+        return {getRooflineTotal(dataset, operations, levels.front(), kind.recipe(state.device))};
+    Totals totals;
+    for (const auto& level : levels) {
+        auto total = getRooflineTotal(*state.metrics, operations, level, elapsedTime);
+        if (totals.size() < kind.certainTotals || total.elapsedTime > 0.0) totals.push_back(std::move(total));
     }
     return totals;
 }
@@ -35,8 +39,14 @@ Totals makeTotals(const AnalysisKind& kind, const EngineCore::Metrics& metrics,
 }  // namespace
 
 void EngineCore::initMemoryMetrics() {
-    if (!m_metrics && m_viewModel)
-        m_metrics = makeMemoryMetrics(m_viewModel->getDataset(m_kind.rows), m_kind.recipe);
+    if (!m_state.metrics && m_viewModel)
+        m_state.metrics =
+            makeMemoryMetrics(m_viewModel->getDataset(m_kind.rows), m_kind.recipe(m_state.device));
+}
+
+void EngineCore::rebuildMemoryMetrics() {
+    m_state.metrics.reset();
+    initMemoryMetrics();
 }
 
 sptr_t<IDataset> EngineCore::getRooflineDatasetForConfiguration(const RooflineConfigurations& configurations,
@@ -50,25 +60,44 @@ sptr_t<IDataset> EngineCore::chooseDataset(const AnalysisKind& kind, const IView
                                            const RooflineConfigurations& configurations,
                                            sptr_t<IDataset> first, sptr_t<IDataset> second) {
     if (!first) first = viewModel.getDataset(kind.rows);
-    if (!second) second = viewModel.getDataset(kind.totals);
+    if (!second && kind.totals != DataType::None) second = viewModel.getDataset(kind.totals);
     return configurations.begin()->hasType("1") || !second ? first : second;
 }
 
 std::string EngineCore::getRooflineData(const sptr_t<IDataset>& first, const sptr_t<IDataset>& second,
                                         const std::string& configuration, int memoryLevels) {
-    if (!m_viewModel || !m_options) return {};
-    // An empty text is no configuration at all here, not one of defaults: the document says that there is no
-    // data.
-    RooflineConfigurations configurations;
-    if (!configuration.empty() && !configurations.init(configuration, m_options)) return {};
-    const bool selfData = !configurations.empty() && configurations.begin()->hasType("1");
-    const auto chosen = getRooflineDatasetForConfiguration(configurations, first, second);
-    initMemoryMetrics();
-    const Totals totals = makeTotals(m_kind, m_metrics, first, configurations, memoryLevels,
-                                     m_viewModel->getProgramInfo().elapsedTime);
-    calcViewRect(first, second);
-    return makeRooflineDocument({chosen, m_options, configurations, totals, m_kind.tables(), selfData},
-                                m_viewRect);
+    return guarded(std::string(), [&]() -> std::string {
+        if (!m_viewModel || !options()) return {};
+        // An empty text is no configuration at all here, not one of defaults: the document says that there is
+        // no data.
+        RooflineConfigurations configurations;
+        if (!configuration.empty() && !configurations.init(configuration, options())) return {};
+        const bool selfData = !configurations.empty() && configurations.begin()->hasType("1");
+        const auto totalData = m_kind.totals == DataType::None ? nullptr : second;
+        const auto chosen = getRooflineDatasetForConfiguration(configurations, first, totalData);
+        initMemoryMetrics();
+        const Totals totals = makeTotals(m_kind, m_state, first, configurations, memoryLevels,
+                                         m_viewModel->getProgramInfo().elapsedTime);
+        calcViewRect(first, totalData);
+        return makeRooflineDocument(
+            {chosen, options(), configurations, totals, m_kind.tables(), selfData, m_kind.rowTime},
+            m_viewRect);
+    });
+}
+
+std::string EngineCore::getRooflineOptions() const {
+    return guarded(std::string(), [&] { return options() ? options()->toString() : std::string(); });
+}
+
+std::string EngineCore::getRooflineConfigurationStr(const RooflineTypes& types) const {
+    return guarded(std::string(), [&] {
+        return options() ? options()->getRooflineConfigurationStr(m_kind.optionValues(types, m_state))
+                         : std::string();
+    });
+}
+
+bool EngineCore::clearHighlighting(DataType type) const {
+    return guarded(false, [&] { return m_viewModel && m_viewModel->clearHighlighting(type, 0); });
 }
 
 std::shared_ptr<IRoofManager> EngineCore::getRoofManager() const {
@@ -77,11 +106,70 @@ std::shared_ptr<IRoofManager> EngineCore::getRoofManager() const {
     return roofManager;
 }
 
+void EngineCore::fillRoofs(rabbit::array& array, const std::string& configuration,
+                           const RoofThreadingFeatures& features, Perspective perspective) const {
+    if (!m_viewModel) return;
+    const auto operations = m_kind.roofOperations(configuration, m_state);
+    const auto roofConfiguration = m_kind.roofConfiguration(features, operations, perspective);
+    if (const auto roofManager = getRoofManager())
+        roofline::fillRoofs(array, roofManager->getRoofs(roofConfiguration), m_kind.device);
+}
+
+std::string EngineCore::getRoofs(const std::string& configuration, const RoofThreadingFeatures& features,
+                                 Perspective perspective) const {
+    return guarded(std::string(), [&] {
+        return rabbit::writeArray(
+            [&](rabbit::array& root) { fillRoofs(root, configuration, features, perspective); });
+    });
+}
+
+std::string EngineCore::getAllRoofs(const std::string& configuration, const ThreadsInfo& info) const {
+    return guarded(std::string(), [&] {
+        const auto fill = [&](rabbit::array& array, const RoofThreadingFeatures& features) {
+            fillRoofs(array, configuration, features, Perspective::Program);
+        };
+        return roofline::getAllRoofs(info, fill);
+    });
+}
+
+std::string EngineCore::getSelectedRoofs(const std::string& configuration, Perspective perspective,
+                                         const roofline::RoofIds& dominating, int memoryLevels) const {
+    return guarded(std::string(), [&]() -> std::string {
+        roofline::RoofIds selected;
+        m_kind.selectMemoryRoofs(selected, configuration, perspective, m_state, memoryLevels);
+        selected.insert(dominating.begin(), dominating.end());
+        const auto roofManager = getRoofManager();
+        if (!roofManager) return {};
+        const auto roofs = roofManager->getRoofs(std::string());
+        return roofline::createSelectedRoofsJson(selected, m_kind.hiddenRoofs(roofs, perspective, m_state),
+                                                 roofs);
+    });
+}
+
+std::string EngineCore::customRoofsKey(const RoofThreadingFeatures& features) const {
+    return m_kind.roofConfiguration(features, OperationsType::Undefined, Perspective::Program);
+}
+
+bool EngineCore::setCustomRoofValues(RoofId roof, unsigned long long value,
+                                     const RoofThreadingFeatures& features) const {
+    return guarded(false, [&] {
+        const auto roofManager = m_viewModel ? getRoofManager() : nullptr;
+        return roofManager && roofManager->setCustomRoofValues({{roof, value}}, customRoofsKey(features));
+    });
+}
+
+bool EngineCore::clearCustomRoofValues(const RoofThreadingFeatures& features) const {
+    return guarded(false, [&] {
+        const auto roofManager = m_viewModel ? getRoofManager() : nullptr;
+        return roofManager && roofManager->clearCustomRoofValues(customRoofsKey(features));
+    });
+}
+
 void EngineCore::calcViewRect(const sptr_t<IDataset>& first, const sptr_t<IDataset>& second) {
-    if (!m_viewRect.isEmpty() || !first || !second || !m_options) return;
+    if (!m_viewRect.isEmpty() || !first || !second || !options()) return;
     RooflineViewRect rect = m_viewRect;  // a walk that fails leaves the engine without one
-    calcViewRectImp(rect, first, m_kind.tables().params, m_options, false);
-    calcViewRectImp(rect, second, m_kind.tables().params, m_options, true);
+    calcViewRectImp(rect, first, m_kind.tables().params, options(), false);
+    calcViewRectImp(rect, second, m_kind.tables().params, options(), true);
     m_viewRect = rect;
 }
 

@@ -1,10 +1,10 @@
 #include "roofline_model/loop_details.h"
 
+#include "host_interfaces/comparison.h"
 #include "host_interfaces/host_functions.h"
 
 #include "roofline_model/bag_helpers.h"
 #include "roofline_model/chart_widgets.h"
-#include "roofline_model/cpu_row_roofline_helper.h"
 #include "roofline_model/roof_names.h"
 #include "roofline_model/row_roofline_engine.h"
 #include "roofline_model/threading.h"
@@ -13,6 +13,7 @@
 
 #include <boost/property_tree/ptree.hpp>
 
+#include <algorithm>
 #include <set>
 
 namespace data_models2 {
@@ -38,6 +39,12 @@ bool isAboveAllRoofs(const CRowRooflineEngine& engine) {
     return point.ai > 0.0 && !engine.getMemoryRoofs().empty() &&
            engine.getComputeRoof(point.operationsType).id != RoofId::None &&
            engine.getLimitingRoof(true).name.empty();
+}
+
+variant_bag_t messageBag(const std::string& messageId) {
+    roofline::helpers::BottleneckWidget widget;
+    widget.addMessage(roofline::translate(messageId));
+    return widget.get();
 }
 
 // Without memory levels the row engine has no bottleneck to draw: the total point and its roof stand in.
@@ -70,6 +77,9 @@ bool LoopDetails::initDataForLoopAdditionalInfo(
         EngineCore::chooseDataset(m_core.kind(), *m_viewModel, params->configurations, nullptr, nullptr);
     if (!params->dataset) return false;
     roofline::parseRoofParams(bag, roofline::getThreadsInfo(m_viewModel), params->features);
+    if (bag.find("packageCount") == bag.not_found())
+        params->features.packageCount =
+            std::max(params->features.packageCount, m_core.kind().defaultPackages);
     params->roofManager = m_viewModel->getRoofManager(params->dataset->getDataType());
     return params->roofManager != nullptr;
 }
@@ -94,20 +104,38 @@ std::string LoopDetails::getLoopAdditionalInfo(const std::string& request,
     return saveBag(result);
 }
 
+std::string LoopDetails::getComparisonData(const EngineCore& core, const ComparisonData& data,
+                                           const std::string& ids, const std::string& configuration) {
+    variant_bag_t bag;
+    if (!core.options() || !loadBag(ids, bag)) return {};
+    const auto side = [&](const std::string& name, const std::shared_ptr<ISurveyingViewModel>& viewModel) {
+        const auto id = bag.find(name);
+        const auto objectId = id == bag.not_found() ? std::string() : toText(id->second.data());
+        return VBagAttr<variant_bag_t>{name,
+                                       LoopDetails(core, viewModel, roofline::getMemoryLevelsCount(viewModel))
+                                           .getObjectBag(objectId, configuration)};
+    };
+    variant_bag_t result;
+    VBagHelper::addAttribute(result, VBagAttr<std::string>{"conf", configuration});
+    VBagHelper::addAttribute(result, side("first", data.first));
+    VBagHelper::addAttribute(result, side("second", data.second));
+    return saveBag(result);
+}
+
 variant_bag_t LoopDetails::getLoopAdditionalInfoBag(const std::string& id, const sptr_t<RowNode>& row,
                                                     const LoopAdditionalInfoParams& params) const {
-    const auto helper = std::make_shared<CpuRowRooflineHelper>(
-        params.roofManager, getInstructionMixMap(row, params.dataset), static_cast<unsigned>(m_memoryLevels),
-        std::make_shared<RoofThreadingFeatures>(params.features));
-    const auto engine = std::make_shared<CRowRooflineEngine>(row, params.dataset, helper);
+    const DetailedRow detailed = m_core.kind().detailedRow(
+        {row, params.dataset, m_viewModel, params.roofManager, params.features, m_memoryLevels});
+    const auto& engine = detailed.engine;
     variant_bag_t result;
+    const auto add = [&](const char* name, const variant_bag_t& bag) {
+        VBagHelper::addAttribute(result, VBagAttr<variant_bag_t>{name, bag});
+    };
     VBagHelper::addAttribute(result, VBagAttr<std::string>{"id", id});
-    VBagHelper::addAttribute(result, VBagAttr<variant_bag_t>{"roofline", engine->getRooflineVariantBag()});
-    VBagHelper::addAttribute(
-        result, VBagAttr<variant_bag_t>{"bottleneck", getBottleneck(params.configurations, engine, *helper)});
-    VBagHelper::addAttribute(result,
-                             VBagAttr<variant_bag_t>{"memoryMetrics", engine->getMemoryMetricsVariantBag()});
-    VBagHelper::addAttribute(result, VBagAttr<variant_bag_t>{"threads", getThreads(helper->getRoofParam())});
+    if (detailed.threads) add("roofline", engine->getRooflineVariantBag());
+    add("bottleneck", getBottleneck(params.configurations, detailed));
+    add("memoryMetrics", engine ? engine->getMemoryMetricsVariantBag() : variant_bag_t());
+    if (detailed.threads) add("threads", getThreads(*detailed.threads));
     return result;
 }
 
@@ -128,15 +156,11 @@ variant_bag_t LoopDetails::getObjectBag(const std::string& objectId, const std::
 }
 
 variant_bag_t LoopDetails::getBottleneck(const RooflineConfigurations& configurations,
-                                         const std::shared_ptr<CRowRooflineEngine>& engine,
-                                         const CpuRowRooflineHelper& helper) const {
-    if (!helper.isValid(engine->areTotalMetricsAvailable()) || configurations.empty())
-        return engine->getBotteleneckVariantBag({});
-    if (isAboveAllRoofs(*engine)) {
-        roofline::helpers::BottleneckWidget widget;
-        widget.addMessage(roofline::translate("roofline_bottleneck_above_roofs"));
-        return widget.get();
-    }
+                                         const DetailedRow& row) const {
+    const auto& engine = row.engine;
+    if (!engine) return messageBag("roofline_bottleneck_general_error");
+    if (!row.isAcceptable || configurations.empty()) return engine->getBotteleneckVariantBag({});
+    if (isAboveAllRoofs(*engine)) return messageBag("roofline_bottleneck_above_roofs");
     const auto messages = describeLimit(*configurations.begin(), *engine);
     const bool hasOnlyTotal = engine->isValid() && !engine->areMemLevelMetricsAvailable();
     return hasOnlyTotal ? drawTotalLimit(*engine, messages) : engine->getBotteleneckVariantBag(messages);
@@ -149,23 +173,24 @@ std::vector<std::string> LoopDetails::describeLimit(const RooflineConfiguration&
     const auto type = getRooflineTypeFromOpsType(engine.getPoint().operationsType);
     if (configuration.hasType(type) ||
         configuration.hasType(getRooflineTypeFromOpsType(OperationsType::Mixed)))
-        return {describeLimit(engine)};
+        return describeLimit(engine);
     return {translate("roofline_bottleneck_wrong_configuration_general"),
             translate("roofline_bottleneck_wrong_configuration_details",
                       translate("roofline_options_operations_caption"),
                       m_core.options()->getOptionCaption(type))};
 }
 
-std::string LoopDetails::describeLimit(const CRowRooflineEngine& engine) const {
+std::vector<std::string> LoopDetails::describeLimit(const CRowRooflineEngine& engine) const {
     const LimitingRoof roof = engine.getLimitingRoof(!engine.areMemLevelMetricsAvailable());
+    if (roof.boundCategory == BoundCategory::Other) return {};  // the row itself tells of it
     if (roof.boundCategory == BoundCategory::Compute)
-        return roofline::translate(
+        return {roofline::translate(
             "roofline_bottleneck_bound_by_compute", roof.name,
-            roofline::helpers::wholePercent(engine.getPoint().performance, roof.limitValue));
-    const auto level = roofline_helpers::getMemoryRooflineType(roof.memoryLevel, TargetDeviceType::Cpu);
+            roofline::helpers::wholePercent(engine.getPoint().performance, roof.limitValue))};
+    const auto level = roofline_helpers::getMemoryRooflineType(roof.memoryLevel, m_core.kind().device);
     const auto caption = m_core.options()->getOptionCaption(level);
-    return roofline::translate("roofline_bottleneck_bound_by_memory", roof.name,
-                               caption.empty() ? roofline::helpers::getMemLevelCaption(level) : caption);
+    return {roofline::translate("roofline_bottleneck_bound_by_memory", roof.name,
+                                caption.empty() ? roofline::helpers::getMemLevelCaption(level) : caption)};
 }
 
 variant_bag_t LoopDetails::getThreads(const RoofThreadingFeatures& features) const {

@@ -1,4 +1,4 @@
-// The details of chosen loops of a CPU result, and of a pair of rows of two results.
+// The details of chosen loops of a result, and of a pair of rows of two results.
 #pragma once
 
 #include "host_interfaces/roofline_services.h"
@@ -13,7 +13,6 @@
 namespace data_models2 {
 
 class CRowRooflineEngine;
-class CpuRowRooflineHelper;
 
 // What a request for details was parsed into.
 struct LoopAdditionalInfoParams {
@@ -37,26 +36,30 @@ public:
     LoopDetails(const EngineCore& core, std::shared_ptr<ISurveyingViewModel> viewModel, int memoryLevels)
         : m_core(core), m_viewModel(std::move(viewModel)), m_memoryLevels(memoryLevels) {}
 
+    // The values of the pair of rows whose object ids are "first" and "second" of the bag `ids`, `data`
+    // giving both results.
+    static std::string getComparisonData(const EngineCore& core, const ComparisonData& data,
+                                         const std::string& ids, const std::string& configuration);
+
     // A JSON array with the bag of each row that the request names; an empty text when the request can't be
     // met.
     std::string getLoopAdditionalInfo(const std::string& request, const std::string& configuration) const;
     // False without `params`, options, view model, dataset or roof table.
     bool initDataForLoopAdditionalInfo(const variant_bag_t& bag, const std::string& configuration,
                                        const std::shared_ptr<LoopAdditionalInfoParams>& params) const;
-    // "id", "roofline", "bottleneck", "memoryMetrics", "threads".
+    // "id", "bottleneck", "memoryMetrics"; where charts of several numbers of threads can be drawn,
+    // "roofline" behind the id and "threads" at the end.
     variant_bag_t getLoopAdditionalInfoBag(const std::string& id, const sptr_t<RowNode>& row,
                                            const LoopAdditionalInfoParams& params) const;
     // The details of the first row of a source object; an empty bag when there is none.
     variant_bag_t getObjectBag(const std::string& objectId, const std::string& configuration) const;
 
 private:
-    variant_bag_t getBottleneck(const RooflineConfigurations& configurations,
-                                const std::shared_ptr<CRowRooflineEngine>& engine,
-                                const CpuRowRooflineHelper& helper) const;
+    variant_bag_t getBottleneck(const RooflineConfigurations& configurations, const DetailedRow& row) const;
     // What limits the row, or how the configuration must change to tell.
     std::vector<std::string> describeLimit(const RooflineConfiguration& configuration,
                                            const CRowRooflineEngine& engine) const;
-    std::string describeLimit(const CRowRooflineEngine& engine) const;
+    std::vector<std::string> describeLimit(const CRowRooflineEngine& engine) const;
     variant_bag_t getThreads(const RoofThreadingFeatures& features) const;
 
     const EngineCore& m_core;

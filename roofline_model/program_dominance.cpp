@@ -32,10 +32,14 @@ void ProgramDominance::onDominatingRoofsCompleted(const BaseLongOperationTask* c
     disconnect(&task->completed);
     if (task->getCompleteStatus() != BaseLongOperationTask::LoadType::Succeeded) return;
     roofline::guarded([&] {
-        m_operationMap = task->getProgramOperationMap();
-        m_dominatingRoofs = m_core.kind().dominatingRoofs(*task, *m_viewModel, m_core.metrics());
-        if (const auto answer = std::exchange(m_pendingSummaryCallback, {}))
-            answer(makeSummary(m_dominatingRoofs[IRooflineInfo::Perspective::Program]));
+        auto roofs = m_core.kind().dominatingRoofs(*task, *m_viewModel, m_core.metrics());
+        const auto selected = roofs[IRooflineInfo::Perspective::Program];
+        {
+            const std::lock_guard lock(m_mutex);
+            m_operationMap = task->getProgramOperationMap();
+            m_dominatingRoofs = std::move(roofs);
+        }
+        if (const auto answer = std::exchange(m_pendingSummaryCallback, {})) answer(makeSummary(selected));
     });
     roofline::guarded([&] { m_changed.raise(); });
 }
@@ -43,16 +47,31 @@ void ProgramDominance::onDominatingRoofsCompleted(const BaseLongOperationTask* c
 void ProgramDominance::loadSummaryData(const SummaryCallback& callback) {
     m_core.initMemoryMetrics();
     if (!m_viewModel || !m_core.metrics() || !callback) return;
-    const auto selected = m_dominatingRoofs.find(IRooflineInfo::Perspective::Program);
-    if (selected != m_dominatingRoofs.end() && !selected->second.empty())
-        callback(makeSummary(selected->second));
+    const auto selected = dominatingRoofs()[IRooflineInfo::Perspective::Program];
+    if (!selected.empty())
+        callback(makeSummary(selected));
     else
         m_pendingSummaryCallback = callback;
 }
 
+roofline::DominatingRoofs ProgramDominance::dominatingRoofs() const {
+    const std::lock_guard lock(m_mutex);
+    return m_dominatingRoofs;
+}
+
+roofline::RoofIds ProgramDominance::requestDominatingRoofs(IRooflineInfo::Perspective perspective) {
+    if (dominatingRoofs().empty()) detectDominatingRoofsAsync();
+    const auto roofs = dominatingRoofs();
+    return roofs.empty() ? roofline::RoofIds() : roofs.at(perspective);
+}
+
 std::string ProgramDominance::makeSummary(const roofline::RoofIds& selected) const {
-    return roofline::summary::getProgramOpsAndBandwidthSummary(
-        m_core.metrics(), m_viewModel, m_core.kind().device, selected, m_operationMap);
+    const auto operationMap = [this] {
+        const std::lock_guard lock(m_mutex);
+        return m_operationMap;
+    }();
+    return roofline::summary::getProgramOpsAndBandwidthSummary(m_core.metrics(), m_viewModel,
+                                                               m_core.kind().device, selected, operationMap);
 }
 
 }  // namespace data_models2

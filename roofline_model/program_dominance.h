@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 
 namespace data_models2 {
@@ -39,8 +40,10 @@ public:
     void loadSummaryData(const SummaryCallback& callback);
 
     // Empty until a task has completed; a load leaves the old ones in place until then.
-    const roofline::DominatingRoofs& dominatingRoofs() const { return m_dominatingRoofs; }
-    const std::shared_ptr<const OperationMap>& operationMap() const { return m_operationMap; }
+    roofline::DominatingRoofs dominatingRoofs() const;
+    // Those of one perspective; starts a task when none are known, which may complete inside the call. Throws
+    // std::out_of_range for a perspective that there isn't.
+    roofline::RoofIds requestDominatingRoofs(IRooflineInfo::Perspective perspective);
 
 private:
     std::string makeSummary(const roofline::RoofIds& selected) const;
@@ -48,6 +51,7 @@ private:
     EngineCore& m_core;
     signal_t<>& m_changed;
     std::shared_ptr<ISurveyingViewModel> m_viewModel;
+    mutable std::mutex m_mutex;  // of the next two; never held while calling out
     roofline::DominatingRoofs m_dominatingRoofs;
     std::shared_ptr<const OperationMap> m_operationMap;
     SummaryCallback m_pendingSummaryCallback;

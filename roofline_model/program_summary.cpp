@@ -1,8 +1,11 @@
 // The summary of a whole program.
 #include "host_interfaces/host_functions.h"
 
+#include "roofline_model/instruction_mix_summary.h"
+#include "roofline_model/roof_names.h"
 #include "roofline_model/roofline_summary.h"
 #include "roofline_model/threading.h"
+#include "roofline_model/translation.h"
 
 #include <boost/property_tree/ptree.hpp>
 
@@ -22,14 +25,24 @@ struct ProgramRoofs {
     std::array<std::optional<RoofItem>, kTypes.size()> compute;  // by operations type
 };
 
+generic_iterator_t<RoofItem> getRoofs(ISurveyingViewModel& viewModel, DataType type,
+                                      const std::string& configuration) {
+    const auto roofManager = viewModel.getRoofManager(type);
+    return roofManager ? roofManager->getRoofs(configuration) : generic_iterator_t<RoofItem>();
+}
+
 generic_iterator_t<RoofItem> getCpuRoofs(const std::shared_ptr<ISurveyingViewModel>& viewModel) {
-    const auto roofManager = viewModel->getRoofManager(DataType::Cpu);
-    if (!roofManager) return {};
     RoofThreadingFeatures features;
     parseRoofParams(variant_bag_t(), getThreadsInfo(viewModel), features);
     features.threadCount = raiseOddThreads(features.threadCount);
-    return roofManager->getRoofs(
+    return getRoofs(
+        *viewModel, DataType::Cpu,
         roof::getCpuRoofConfiguration(features, OperationsType::Mixed, IRooflineInfo::Perspective::Program));
+}
+
+generic_iterator_t<RoofItem> getGpuRoofs(const std::shared_ptr<ISurveyingViewModel>& viewModel) {
+    return getRoofs(*viewModel, DataType::Gpu,
+                    roof::getGpuRoofConfiguration(TileUsage::Multi, OperationsType::Undefined));
 }
 
 // Of several selected compute roofs of one type the last counts.
@@ -49,19 +62,49 @@ ProgramRoofs chooseRoofs(generic_iterator_t<RoofItem> roofs, const std::unordere
     return chosen;
 }
 
+// A device's traffic between core and first cache has no roof of its own: the first level's stands for it.
+RoofItem makeCarmRoof(const std::vector<RoofItem>& memory, const std::optional<DeviceInfo>& device) {
+    const std::string name = device ? device->name : std::string();
+    const auto first = std::find_if(memory.begin(), memory.end(),
+                                    [](const RoofItem& roof) { return roof.memoryLevel == MemoryLevel::L1; });
+    return {.id = first == memory.end() ? RoofId::None : first->id,
+            .name = name.empty() ? helpers::getMemLevelCaption("CARMgpu")
+                                 : translate("roofline_summary_gpu_carm_title", name),
+            .value = first == memory.end() ? 0 : first->value,
+            .typeBits = RoofItem::Memory};
+}
+
+// Of the memories that a device may end in only its own counts.
+bool isForeignMemory(const std::string& level, const std::string& lastLevel) {
+    constexpr std::array kLastLevels{"DRAMgpu", "HBMgpu", "XLIgpu"};
+    return level != lastLevel &&
+           std::find(kLastLevels.begin(), kLastLevels.end(), level) != kLastLevels.end();
+}
+
+void completeDeviceRoofs(std::vector<RoofItem>& memory, const ISurveyingViewModel& viewModel) {
+    const auto lastLevel =
+        roofline_helpers::getGpuMemoryRooflineType(viewModel.getGpuDeviceProperties().memoryType);
+    std::erase_if(memory, [&](const RoofItem& roof) {
+        return isForeignMemory(getLevelName(roof, TargetDeviceType::Gpu), lastLevel);
+    });
+    memory.push_back(makeCarmRoof(memory, viewModel.getDeviceInfo(TargetDeviceType::Gpu)));
+}
+
 }  // namespace
 
 std::string getProgramOpsAndBandwidthSummary(const std::shared_ptr<const CMemoryLevelMetrics>& metrics,
                                              const std::shared_ptr<ISurveyingViewModel>& viewModel,
                                              TargetDeviceType device,
                                              const std::unordered_set<RoofId>& selectedRoofs,
-                                             const std::shared_ptr<const OperationMap>&) {
+                                             const std::shared_ptr<const OperationMap>& operationMap) {
     if (!metrics || !viewModel) return {};
-    const auto roofs = getCpuRoofs(viewModel);
+    const bool isGpu = device == TargetDeviceType::Gpu;
+    const auto roofs = isGpu ? getGpuRoofs(viewModel) : getCpuRoofs(viewModel);
     const double elapsedTime = viewModel->getProgramInfo().elapsedTime;
     if (roofs.isEnd() || !(elapsedTime >= kLeastTime)) return {};
 
-    const auto chosen = chooseRoofs(roofs, selectedRoofs);
+    auto chosen = chooseRoofs(roofs, selectedRoofs);
+    if (isGpu) completeDeviceRoofs(chosen.memory, *viewModel);
     const OperationsType dominating = getDominatingType(metrics);
     std::vector<SummaryItem> items;
     for (const RoofItem& roof : chosen.memory) {
@@ -77,7 +120,10 @@ std::string getProgramOpsAndBandwidthSummary(const std::shared_ptr<const CMemory
         if (roof && count > 0.0)
             items.push_back({*roof, getMetricForComputeRoof(*roof, elapsedTime, count, dominating)});
     }
-    return rabbit::writeObject([&](rabbit::object& root) { dumpSummary(root, items, device); });
+    return rabbit::writeObject([&](rabbit::object& root) {
+        dumpSummary(root, items, device);
+        dumpInstructionMixSummary(root, operationMap);
+    });
 }
 
 }  // namespace data_models2::roofline::summary

@@ -27,7 +27,11 @@ inline auto refer(std::string_view text) {  // rapidjson refuses a null pointer 
     return rapidjson::StringRef(text.data() ? text.data() : "",
                                 static_cast<rapidjson::SizeType>(text.size()));
 }
-inline Value makeValue(std::string_view text, Allocator& allocator) { return Value(refer(text), allocator); }
+// With the length said: a reference beside an allocator would be taken for a text that ends at its first 0.
+inline Value makeValue(std::string_view text, Allocator& allocator) {
+    const auto reference = refer(text);
+    return Value(reference.s, reference.length, allocator);
+}
 inline Value makeValue(double number, Allocator&) { return std::isfinite(number) ? Value(number) : Value(); }
 inline Value makeValue(std::same_as<bool> auto flag, Allocator&) { return Value(flag); }
 inline Value makeValue(std::int32_t number, Allocator&) { return Value(number); }

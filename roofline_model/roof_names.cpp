@@ -132,9 +132,11 @@ std::string getMemLevelPrefixName(const std::string& name) {
     return translate(message);
 }
 
-std::string getMemLevelCaption(const std::string& name) {
+std::string getMemLevelCaption(const std::string& name) { return getMemLevelCaption(name, name); }
+
+std::string getMemLevelCaption(const std::string& name, const std::string& unknown) {
     const char* message = findLevelMessage(name);
-    return message ? translate(message) : name;
+    return message ? translate(message) : unknown;
 }
 
 const std::string& getRoofMeasureTranslated(bool isMemory, OperationsType operations) {

@@ -22,6 +22,8 @@ std::string getRoofDescription(const std::string& name, TargetDeviceType target)
 std::string getMemLevelPrefixName(const std::string& name);
 // The same; an unknown token is its own caption.
 std::string getMemLevelCaption(const std::string& name);
+// The same; the caption of an unknown token is given.
+std::string getMemLevelCaption(const std::string& name, const std::string& unknown);
 // The unit caption of a roof. The texts are translated once a process.
 const std::string& getRoofMeasureTranslated(bool isMemory, OperationsType operations);
 

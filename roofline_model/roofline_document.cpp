@@ -27,8 +27,8 @@ FieldId operationField(const RooflineConfiguration& configuration) {
 // Looks at each row on its way into the chart.
 class RowCollector {
 public:
-    RowCollector(const sptr_t<IDataset>& dataset, FieldId operations)
-        : m_operations(dataset->getColumn(operations)), m_time(dataset->getColumn(FieldId::SelfTime)) {}
+    RowCollector(const sptr_t<IDataset>& dataset, FieldId operations, FieldId time)
+        : m_operations(dataset->getColumn(operations)), m_time(dataset->getColumn(time)) {}
 
     void see(const sptr_t<IDataset>& dataset, const sptr_t<RowNode>& row) {
         m_rowOps = read(dataset, row, m_operations);
@@ -54,7 +54,7 @@ private:
 };
 
 void fillDocument(rabbit::object& root, const DocumentRequest& request, RooflineViewRect& viewRect) {
-    const auto& [dataset, options, configurations, programTotals, tables, selfData] = request;
+    const auto& [dataset, options, configurations, programTotals, tables, selfData, time] = request;
     constexpr auto kTitle = "roofline_no_data_generic_error_title";
     constexpr auto kDescr = "roofline_no_data_generic_error_descr";
     if (!dataset || !options || configurations.empty()) return addNoDataMessage(root, kTitle, kDescr);
@@ -64,7 +64,7 @@ void fillDocument(rabbit::object& root, const DocumentRequest& request, Roofline
 
     const std::vector<RooflineAttrsTotal> totals(programTotals.begin(), programTotals.end());
     const RooflineConfiguration& first = *configurations.begin();
-    RowCollector collector(dataset, operationField(first));
+    RowCollector collector(dataset, operationField(first), time);
     const auto rowFilter = [&](const sptr_t<IDataset>& rows, const sptr_t<RowNode>& row) {
         collector.see(rows, row);
         return true;

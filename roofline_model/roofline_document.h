@@ -20,6 +20,7 @@ struct DocumentRequest {
     const std::vector<roofline::helpers::SRooflineTotal>& totals;
     const ChartTables& tables;
     bool selfData;
+    FieldId time;  // of a row
 };
 
 // The compact text of the document; one that can't be drawn holds "noDataMessage" alone. The rectangle is

@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <locale>
 #include <utility>
 
@@ -85,21 +86,31 @@ rabbit::object makeRoofEntry(const RoofItem& roof, double reached, TargetDeviceT
     return entry;
 }
 
-FieldId elapsedTimeField(DataType type) {
-    if (type == DataType::Gpu) return FieldId::GpuElapsedTime;
-    return type == DataType::Offload ? FieldId::OffloadElapsedTime : FieldId::SelfElapsedTime;
-}
+// What a row's time is and where it ran, by the kind of its dataset.
+struct RowSource {
+    DataType type;
+    FieldId elapsedTime;
+    TargetDeviceType device;
+};
 
-TargetDeviceType deviceOf(DataType type) {
-    return type == DataType::Cpu || type == DataType::CpuTopDown ? TargetDeviceType::Cpu
-                                                                 : TargetDeviceType::Gpu;
+constexpr auto kRowSources = std::to_array<RowSource>({
+    {DataType::Cpu, FieldId::SelfElapsedTime, TargetDeviceType::Cpu},
+    {DataType::CpuTopDown, FieldId::SelfElapsedTime, TargetDeviceType::Cpu},
+    {DataType::Gpu, FieldId::GpuElapsedTime, TargetDeviceType::Gpu},
+    {DataType::Offload, FieldId::OffloadElapsedTime, TargetDeviceType::Gpu},
+});
+
+const RowSource& sourceOf(DataType type) {
+    const auto found = std::find_if(kRowSources.begin(), kRowSources.end(),
+                                    [type](const RowSource& source) { return source.type == type; });
+    return found == kRowSources.end() ? kRowSources.front() : *found;
 }
 
 std::vector<SummaryItem> makeRowItems(const CRowRooflineEngine& engine, const sptr_t<IDataset>& dataset,
                                       const sptr_t<RowNode>& row) {
     const auto read = [&](FieldId field) { return checkData<double>(field, 0.0, row, dataset); };
-    const DataType type = dataset->getDataType();
-    const double elapsedTime = read(elapsedTimeField(type));
+    const RowSource& source = sourceOf(dataset->getDataType());
+    const double elapsedTime = read(source.elapsedTime);
     if (!(elapsedTime > 0.0)) return {};
 
     const OperationsType dominating = engine.getPoint().operationsType;
@@ -114,7 +125,7 @@ std::vector<SummaryItem> makeRowItems(const CRowRooflineEngine& engine, const sp
     if (roof::hasType(memory, RoofItem::Memory) && point != points.end())
         items.push_back(
             {memory, getMetricForMemoryRoof(memory, elapsedTime, point->traffic, floatOps / point->traffic,
-                                            intOps / point->traffic, getLevelName(memory, deviceOf(type)),
+                                            intOps / point->traffic, getLevelName(memory, source.device),
                                             dominating, true)});
     const auto addCompute = [&](OperationsType operations, double count) {
         const RoofItem compute = engine.getComputeRoof(operations);
@@ -153,8 +164,8 @@ OpsAndBandMetric getMetricForComputeRoof(const RoofItem& roof, double elapsedTim
 OpsAndBandMetric getMetricForMemoryRoof(const RoofItem& roof, double elapsedTime, double gigabytes,
                                         double aiFloat, double aiInt, const std::string& levelName,
                                         OperationsType dominatingType, bool isRow) {
-    auto metric = makeMetric("bandwidth", getMemLevelCaption(levelName), "roofline_summary_bandwidth_descr",
-                             perSecond(gigabytes, elapsedTime), false);
+    auto metric = makeMetric("bandwidth", getMemLevelCaption(levelName, roof.name),
+                             "roofline_summary_bandwidth_descr", perSecond(gigabytes, elapsedTime), false);
     metric.measure = translate("roofline_summary_bw_postfix");
     setRoof(metric, roof);
     metric.children.push_back(
@@ -202,7 +213,7 @@ void dumpRowOpsAndBandwidthSummary(rabbit::object& object,
                                    const sptr_t<IDataset>& dataset, const sptr_t<RowNode>& row) {
     if (!engine || !engine->isValid() || !dataset || !row) return;
     const auto items = makeRowItems(*engine, dataset, row);
-    if (!items.empty()) dumpSummary(object, items, deviceOf(dataset->getDataType()));
+    if (!items.empty()) dumpSummary(object, items, sourceOf(dataset->getDataType()).device);
 }
 
 }  // namespace data_models2::roofline::summary

@@ -48,8 +48,9 @@ void dumpMetric(rabbit::object& object, const OpsAndBandMetric& metric);
 void dumpSummary(rabbit::object& object, const std::vector<SummaryItem>& items, TargetDeviceType device);
 
 // The summary of a program, a JSON object: its memory roofs, ascending, and of each type of operations that
-// was counted the compute roof among `selectedRoofs`. `operationMap` may be null. Empty without metrics, view
-// model, roofs or elapsed time.
+// was counted the compute roof among `selectedRoofs`. On a device the traffic of its core follows the memory
+// roofs, and the instructions of `operationMap`, which may be null, are grouped at the end. Empty without
+// metrics, view model, roofs or elapsed time.
 std::string getProgramOpsAndBandwidthSummary(const std::shared_ptr<const CMemoryLevelMetrics>& metrics,
                                              const std::shared_ptr<ISurveyingViewModel>& viewModel,
                                              TargetDeviceType device,

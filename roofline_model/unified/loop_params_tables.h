@@ -13,5 +13,6 @@ struct ChartTables {
 };
 
 const ChartTables& getCpuTables();
+const ChartTables& getGpuTables();
 
 }  // namespace data_models2

@@ -2,6 +2,7 @@
 
 #include "roofline_model/roof_names.h"
 #include "roofline_model/translation.h"
+#include "roofline_model/unified/gpu_levels.h"
 
 #include <algorithm>
 #include <array>
@@ -21,6 +22,7 @@ constexpr auto kOperations = std::to_array<Value>({
     {"i", "roofline_options_operation_int"},
     {"b", "roofline_options_operation_int_float"},
 });
+constexpr std::array<Value, 2> kGpuOperations{kOperations[0], kOperations[1]};  // never mixed
 
 // "0" is stacks on, "1" is stacks off.
 constexpr auto kStacks = std::to_array<Value>({
@@ -47,15 +49,28 @@ COptionGroup makeGroup(const char* caption, const std::array<Value, N>& values,
     return result;
 }
 
-COptionGroup makeLevelGroup(int memoryLevelsCount) {
+COptionGroup makeLevelGroup() {
     static const CCertainValueOptionsStrategy kStrategy;
-    COptionGroup result(kStrategy, "roofline_options_mem_levels", true);
-    const auto add = [&result](const std::string& level) {
-        result.addOptionValue({roofline::helpers::getMemLevelCaption(level), level, ""});
-    };
+    return {kStrategy, "roofline_options_mem_levels", true};
+}
+
+void addLevel(COptionGroup& group, const std::string& level, const char* expl) {
+    group.addOptionValue({roofline::helpers::getMemLevelCaption(level), level, expl});
+}
+
+COptionGroup makeCpuLevelGroup(int memoryLevelsCount) {
+    auto result = makeLevelGroup();
     const auto caches = std::min(kCaches.size(), static_cast<std::size_t>(memoryLevelsCount) - 1);
-    std::for_each_n(kCaches.begin(), caches, add);
-    add("DRAM");
+    std::for_each_n(kCaches.begin(), caches, [&](const char* level) { addLevel(result, level, ""); });
+    addLevel(result, "DRAM", "");
+    return result;
+}
+
+COptionGroup makeGpuLevelGroup(const std::vector<std::string>& levels) {
+    auto result = makeLevelGroup();
+    for (const auto& name : levels)
+        if (const auto* const level = findGpuLevel(name)) addLevel(result, name, level->explanation);
+    result.setDefRooflineTypes({levels.back()});
     return result;
 }
 
@@ -82,9 +97,25 @@ std::shared_ptr<CRooflineOptions> initRooflineOptions(
     options->setDefConfigurationCaption(
         roofline::translate(configurationCaption(defaultType == OperationsType::Float, hasLevels)));
     if (!hasLevels) return options;
-    options->addOptionGroup(makeLevelGroup(memoryLevelsCount));
+    options->addOptionGroup(makeCpuLevelGroup(memoryLevelsCount));
     options->addOptionGroup(
         makeGroup<CRadioOptionsStrategy>("roofline_options_mem_operation_type", kMemoryOperations, {"all"}));
+    return options;
+}
+
+std::shared_ptr<CRooflineOptions> initRooflineOptions(
+    const std::shared_ptr<const CMemoryLevelMetrics>& metrics, const GpuDeviceProperties& device) {
+    const auto levels = getGpuMemoryLevels(device);
+    const auto type = roofline::getDominatingType(metrics);
+    auto options = std::make_shared<CRooflineOptions>();
+    options->addOptionGroup(makeGpuLevelGroup(levels));
+    options->insertOptionGroup(
+        0, makeGroup<CRadioOptionsStrategy>("roofline_options_operations_caption", kGpuOperations,
+                                            {roofline::getRooflineTypeFromOpsType(type)}));
+    const auto& operations = kGpuOperations[type == OperationsType::Float ? 0 : 1];
+    options->setDefConfigurationCaption(roofline::translate(
+        "roofline_options_def_config_integrated_gpu_caption", roofline::translate(operations.caption),
+        roofline::helpers::getMemLevelCaption(levels.back())));
     return options;
 }
 

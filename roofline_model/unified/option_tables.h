@@ -1,6 +1,8 @@
 // The option trees of the kinds of analysis.
 #pragma once
 
+#include "host_interfaces/records.h"
+
 #include "roofline_model/memory_metrics.h"
 #include "roofline_model/unified/roofline_options.h"
 
@@ -12,5 +14,11 @@ namespace data_models2 {
 // most 4) and DRAM, 1 or less offers no levels. Without metrics the default type is float.
 std::shared_ptr<CRooflineOptions> initRooflineOptions(
     int memoryLevelsCount, const std::shared_ptr<const CMemoryLevelMetrics>& metrics);
+
+// The tree of a computing device: the operations, by default those that there are more of (float without
+// metrics), and the device's levels, by default the last. A level of which nothing is known isn't offered,
+// but stays the default.
+std::shared_ptr<CRooflineOptions> initRooflineOptions(
+    const std::shared_ptr<const CMemoryLevelMetrics>& metrics, const GpuDeviceProperties& device);
 
 }  // namespace data_models2

@@ -24,8 +24,8 @@ SRooflineTotal getRooflineTotal(const CMemoryLevelMetrics& metrics, OperationsTy
 }
 
 SRooflineTotal getRooflineTotal(const sptr_t<IDataset>& dataset, OperationsType operations,
-                                const std::string& level) {
-    const auto metrics = makeMemoryMetrics(dataset, {});
+                                const std::string& level, const MetricRecipe& recipe) {
+    const auto metrics = makeMemoryMetrics(dataset, recipe);
     return getRooflineTotal(metrics ? *metrics : CMemoryLevelMetrics(), operations, level, 0.0);
 }
 

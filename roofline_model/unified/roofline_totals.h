@@ -27,7 +27,7 @@ SRooflineTotal getRooflineTotal(const CMemoryLevelMetrics& metrics, OperationsTy
                                 const std::string& level, double elapsedTime);
 // The same over the rows of a dataset; all 0 for a null one.
 SRooflineTotal getRooflineTotal(const sptr_t<IDataset>& dataset, OperationsType operations,
-                                const std::string& level);
+                                const std::string& level, const MetricRecipe& recipe = {});
 
 }  // namespace roofline::helpers
 

@@ -6,6 +6,7 @@
 #include "host_interfaces/signals.h"
 
 #include "embedded_host/embedded_host.h"
+#include "embedded_host/services/row_issues.h"
 
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/split.hpp>
@@ -31,7 +32,8 @@ struct TestRow {
     std::uint64_t object = 0;               // 0: the row's id
     int parent = -1;
     bool isNull = false;
-    bool isBroken = false;  // promises a child and gives none
+    bool isBroken = false;                    // promises a child and gives none
+    std::vector<std::string> boundedBy = {};  // what its issues name
 };
 
 // Row i has the id i + 1; parents stand before their children.
@@ -119,7 +121,7 @@ private:
         const std::uint64_t m_type;
     };
 
-    class Row final : public RefCounted<RowNode> {
+    class Row final : public RefCounted<RowNode>, public embedded_host::IRowIssueSource {
     public:
         Row(std::shared_ptr<const State> state, int index) : m_state(std::move(state)), m_index(index) {}
         const TestRow& row() const { return m_state->table.rows[m_index]; }
@@ -130,6 +132,7 @@ private:
         sptr_t<RowNode> getParent() const override {
             return row().parent < 0 ? nullptr : m_state->node(row().parent);
         }
+        std::vector<std::string> boundedBy() const override { return row().boundedBy; }
         int getChildren(RowIterator& children, int, int) const override {
             if (row().isBroken) return 1;
             const auto found = m_state->children.find(m_index);
@@ -255,10 +258,16 @@ public:
     int getPackageCount() const override { return given().packages; }
     double getTotalTime() const override { return given().elapsedTime; }
     std::uint64_t getCollectedDataFlags() const override { return 0; }
+    GpuDeviceProperties getGpuDeviceProperties() const override { return given().device; }
+    std::shared_ptr<IDatasetRowLinker> getRowLinker(DataType from, DataType to) const override {
+        return from == DataType::Gpu && to == DataType::GpuStatistics ? given().linker : nullptr;
+    }
     void load(LoadType type = LoadType::Result) { loaded.raise(type, ""); }
 
     std::map<DataType, sptr_t<IDataset>> datasets;
     std::shared_ptr<IRoofManager> roofs;
+    GpuDeviceProperties device;
+    std::shared_ptr<IDatasetRowLinker> linker;  // from kernels to their statistics
     int levels = 1, used = 0, logical = 0, physical = 0, packages = 0;
     double elapsedTime = 0.0;
     DataType highlighted = DataType::None;
