@@ -3,3 +3,4 @@
 
 int runChartBenchmark();
 int runRowBenchmark();
+int runRocprofBenchmark();

@@ -1,4 +1,4 @@
-// Runs all benchmarks, or the one named: chart, rows.
+// Runs all benchmarks, or the one named: chart, rows, rocprof.
 #include "embedded_host/embedded_host.h"
 
 #include "benchmarks/benchmarks.h"
@@ -11,5 +11,6 @@ int main(int argc, char** argv) {
     int failures = 0;
     if (only.empty() || only == "chart") failures += runChartBenchmark();
     if (only.empty() || only == "rows") failures += runRowBenchmark();
+    if (only.empty() || only == "rocprof") failures += runRocprofBenchmark();
     return failures;
 }

@@ -240,6 +240,21 @@ void addImports(Commands& commands) {
     roofs->add_option("--name", roofsRequest->name, "name of the machine; default: the table's file name")
         ->type_name("NAME");
     addTarget(*roofs, roofsRequest->output, roofsRequest->force);
+
+    auto [rocprof, rocprofRequest] = commands.add<ImportRocprofRequest>(
+        *import, "rocprof", "Make a result of a folder with pmc_perf.csv, roofline.csv and sysinfo.csv",
+        "roofline import rocprof workloads/mixbench --machine machine.json -o result.json", runImportRocprof);
+    rocprof->add_option("DIR", rocprofRequest->folder, "the folder")->required()->type_name("");
+    rocprof->add_option("--merge", rocprofRequest->merge, "one row a kernel, the sum of its dispatches")
+        ->check(CLI::IsMember({"kernel"}).description(""))
+        ->type_name("kernel");
+    rocprof
+        ->add_option("--machine", rocprofRequest->machine,
+                     "write the machine to a file of its own; default: it stands in the result")
+        ->type_name("FILE");
+    rocprof->add_option("--program", rocprofRequest->program, "name of the program; default: as profiled")
+        ->type_name("NAME");
+    addTarget(*rocprof, rocprofRequest->output, rocprofRequest->force);
 }
 
 void addAll(Commands& commands) {

@@ -96,6 +96,15 @@ struct ImportRoofsRequest {
     bool force = false;
 };
 
+struct ImportRocprofRequest {
+    std::string folder;
+    std::string merge;  // "kernel", or empty: one row a dispatch
+    std::string machine;
+    std::string program;
+    std::string output;
+    bool force = false;
+};
+
 int runFields(const FieldsRequest&, Console&);
 int runOptions(const OptionsRequest&, Console&);
 int runThreads(const ThreadsRequest&, Console&);
@@ -106,5 +115,6 @@ int runRow(const RowRequest&, Console&);
 int runLoop(const LoopRequest&, Console&);
 int runImportCsv(const ImportCsvRequest&, Console&);
 int runImportRoofs(const ImportRoofsRequest&, Console&);
+int runImportRocprof(const ImportRocprofRequest&, Console&);
 
 }  // namespace cli

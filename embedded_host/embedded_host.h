@@ -74,6 +74,22 @@ OMBRIX_API std::string importCsv(const CsvImport& import, const Progress& progre
 // Makes the text of a machine file of a table with the columns threads, roof, unit, value and, if there, how.
 OMBRIX_API std::string importRoofs(const std::string& csvFile, const std::string& machineName);
 
+// What the kernel profiler of AMD's devices has written.
+struct RocprofImport {
+    std::string folder;         // holds pmc_perf.csv and, if there, roofline.csv and sysinfo.csv
+    bool mergeKernels = false;  // one row a kernel: the sums over its dispatches
+    std::string machineFile;    // named in the result as it stands; empty: the machine stands in the result
+    std::string programName;    // default: that of sysinfo.csv, else the folder's name
+};
+struct RocprofTexts {
+    std::string result;
+    std::string machine;
+    std::vector<std::string> warnings;  // what is missing and what lacks for it, each once
+};
+
+// Makes the texts of a result file and of its machine file. Throws FileError; `progress` as with `importCsv`.
+OMBRIX_API RocprofTexts importRocprof(const RocprofImport& import, const Progress& progress = {});
+
 // Reads a file whole; throws FileError.
 OMBRIX_API std::string readFile(const std::string& path);
 // Writes to a temporary beside `path` and renames it. An existing file is replaced only with `overwrite`;

@@ -4,6 +4,7 @@
 #include "host_interfaces/ids.h"
 #include "host_interfaces/values.h"
 
+#include "embedded_host/result/gpu_statistics.h"
 #include "embedded_host/result/instruction_mixes.h"
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -77,7 +79,9 @@ struct RowTable {
     std::vector<std::uint32_t> childCounts;
     std::array<std::shared_ptr<Column>, kFieldCount> columns;  // by slot; null: the field is nowhere
     InstructionMixes mixes;
-    bool hasTree = false;  // some row has children
+    std::vector<GpuStatistic> statistics;                     // ascending by row; only of a GPU result
+    std::vector<std::pair<std::size_t, std::string>> bounds;  // what bounds a row; ascending by row
+    bool hasTree = false;                                     // some row has children
 
     std::size_t size() const noexcept { return ids.size(); }
     std::uint64_t objectId(std::size_t row) const {

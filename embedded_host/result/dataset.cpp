@@ -4,6 +4,7 @@
 #include "host_interfaces/host_functions.h"
 
 #include "embedded_host/services/instruction_mix.h"
+#include "embedded_host/services/row_issues.h"
 
 namespace embedded_host {
 namespace {
@@ -30,13 +31,14 @@ private:
     const Dataset* m_owner;
 };
 
-class Row final : public Part<IRowSpecification> {
+class Row final : public Part<IRowSpecification>, public IRowIssueSource {
 public:
     using Part::Part;
     std::uint64_t getId() const override;
     std::uint64_t getRowType() const override;
     sptr_t<RowNode> getParent() const override;
     int getChildren(RowIterator& children, int from, int depth) const override;
+    std::vector<std::string> boundedBy() const override;
 
 private:
     std::size_t index() const;
@@ -178,7 +180,47 @@ int Row::getChildren(RowIterator& children, int, int) const {
     return static_cast<int>(count);
 }
 
+std::vector<std::string> Row::boundedBy() const {
+    const auto& bounds = owner().table().bounds;
+    const auto place = index();
+    std::vector<std::string> names;
+    const auto isBefore = [](const auto& bound, std::size_t row) { return bound.first < row; };
+    for (auto bound = std::lower_bound(bounds.begin(), bounds.end(), place, isBefore);
+         bound != bounds.end() && bound->first == place; ++bound) {
+        names.push_back(bound->second);
+    }
+    return names;
+}
+
+class RowLinker final : public IDatasetRowLinker {
+public:
+    explicit RowLinker(sptr_t<const Dataset> target) : m_target(std::move(target)) {
+        const auto& ids = m_target->table().ids;
+        m_places.reserve(ids.size());
+        for (std::size_t place = 0; place < ids.size(); ++place) {
+            if (ids[place] >= 0) m_places.emplace_back(static_cast<std::uint64_t>(ids[place]), place);
+        }
+        if (!std::is_sorted(m_places.begin(), m_places.end())) std::sort(m_places.begin(), m_places.end());
+    }
+    sptr_t<RowNode> getLinkedRow(const sptr_t<RowNode>& row) const override {
+        if (!row) return {};
+        const auto id = row->getId();
+        const auto found = std::lower_bound(m_places.begin(), m_places.end(), std::pair(id, std::size_t{0}));
+        if (found == m_places.end() || found->first != id) return {};
+        return m_target->row(found->second);
+    }
+
+private:
+    const sptr_t<const Dataset> m_target;
+    std::vector<std::pair<std::uint64_t, std::size_t>> m_places;  // by id, of the rows that a file has
+};
+
 }  // namespace
+
+std::shared_ptr<IDatasetRowLinker> makeRowLinker(const sptr_t<IDataset>& target) {
+    const auto* const dataset = dynamic_cast<const Dataset*>(target.get());
+    return dataset ? std::make_shared<RowLinker>(sptr_t<const Dataset>(dataset)) : nullptr;
+}
 
 sptr_t<IDataset> makeDataset(std::shared_ptr<const RowTable> table, DataType type, RowOrder order) {
     return sptr_t<IDataset>(new Dataset(std::move(table), type, order));

@@ -15,4 +15,8 @@ enum class RowOrder { Flat, Tree };  // all rows at the top, or the file's tree
 data_models2::sptr_t<data_models2::IDataset> makeDataset(std::shared_ptr<const RowTable> table,
                                                          data_models2::DataType type, RowOrder order);
 
+// Leads to the rows of `target`, which `makeDataset` made; null for any other dataset.
+std::shared_ptr<data_models2::IDatasetRowLinker> makeRowLinker(
+    const data_models2::sptr_t<data_models2::IDataset>& target);
+
 }  // namespace embedded_host

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 #include <utility>
 
 namespace embedded_host {
@@ -31,7 +32,7 @@ struct Rule {
 };
 
 // In the order of application: a rule sees what the rules above it have filled.
-constexpr auto kRules = std::to_array<Rule>({
+constexpr auto kCpuRules = std::to_array<Rule>({
     {RowKey, Operation::RowId},
     {Rva, Operation::RowIdText},
     {ThreadCount, Operation::UsedThreads},
@@ -76,6 +77,17 @@ constexpr auto kRules = std::to_array<Rule>({
     {TotalFloatAi, Operation::Ratio, TotalFloatOps, TotalMem},
     {TotalIntAi, Operation::Ratio, TotalIntOps, TotalMem},
     {TotalMixedAi, Operation::Ratio, TotalMixedOps, TotalMem},
+});
+
+// A device has no levels by thread and no totals: a kernel's work is its own.
+constexpr auto kGpuRules = std::to_array<Rule>({
+    {RowKey, Operation::RowId},
+    {MangledName, Operation::Copy, FunctionName},
+    {SelfGFlops, Operation::Ratio, SelfFloatOps, GpuElapsedTime},
+    {SelfGIntOps, Operation::Ratio, SelfIntOps, GpuElapsedTime},
+    {SelfFloatAi, Operation::Ratio, SelfFloatOps, GpuCarmTraffic},
+    {SelfIntAi, Operation::Ratio, SelfIntOps, GpuCarmTraffic},
+    {GpuL3Bandwidth, Operation::Ratio, GpuL3Traffic, GpuElapsedTime},
 });
 
 FieldType typeOf(FieldId field) { return kFields[static_cast<std::size_t>(fieldSlot(field))].type; }
@@ -261,9 +273,11 @@ private:
 
 }  // namespace
 
-void derive(RowTable& table, std::uint32_t usedThreads) {
+void derive(RowTable& table, ResultKind kind, std::uint32_t usedThreads) {
     Deriver deriver(table, usedThreads);
-    for (const auto& rule : kRules) deriver.apply(rule);
+    const std::span<const Rule> cpu(kCpuRules);
+    const std::span<const Rule> gpu(kGpuRules);
+    for (const auto& rule : kind == ResultKind::Gpu ? gpu : cpu) deriver.apply(rule);
 }
 
 }  // namespace embedded_host

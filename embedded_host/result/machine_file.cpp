@@ -1,6 +1,7 @@
 // Reads and checks machines.
 #include "embedded_host/result/machine_file.h"
 
+#include "embedded_host/result/device.h"
 #include "embedded_host/result/units.h"
 #include "embedded_host/services/roof_captions.h"
 
@@ -14,8 +15,8 @@ namespace embedded_host {
 namespace {
 using namespace data_models2;
 
-constexpr auto kMachineMembers =
-    std::to_array<std::string_view>({"format", "version", "name", "cores", "packages", "roofs", "custom"});
+constexpr auto kMachineMembers = std::to_array<std::string_view>(
+    {"format", "version", "name", "cores", "packages", "roofs", "custom", "device"});
 constexpr auto kCoreMembers = std::to_array<std::string_view>({"logical", "physical"});
 constexpr auto kRoofMembers = std::to_array<std::string_view>(
     {"id", "name", "value", "unit", "threads", "packages", "strategy", "level", "arith", "opKind", "how"});
@@ -23,9 +24,10 @@ constexpr auto kCustomMembers =
     std::to_array<std::string_view>({"id", "value", "unit", "threads", "packages", "strategy"});
 
 constexpr auto kStrategies = std::to_array<std::string_view>({"multi", "single"});
-constexpr auto kHows = std::to_array<std::string_view>({"measured", "theoretical", "user"});
-constexpr auto kOpKinds = std::to_array<std::string_view>({"basic", "fma"});
-constexpr auto kOpTypes = std::to_array<RoofOpType>({RoofOpType::Basic, RoofOpType::Fma});
+constexpr auto kHows =
+    std::to_array<std::string_view>({"measured", "theoretical", "user", "derived", "assumed"});
+constexpr auto kOpKinds = std::to_array<std::string_view>({"basic", "fma", "matrix"});
+constexpr auto kOpTypes = std::to_array<RoofOpType>({RoofOpType::Basic, RoofOpType::Fma, RoofOpType::Matrix});
 constexpr auto kLevelNames = std::to_array<std::string_view>(
     {"L1", "L2", "L3", "L4", "PKGRAM", "DRAM", "SLM", "XLI", "HBM", "GDDR6", "LLC", "EDRAM"});
 constexpr auto kLevels =
@@ -71,12 +73,13 @@ public:
     explicit MachineReader(const JsonFile& file) : m_file(file) {}
 
     Machine read(const JsonValue& value) {
-        const auto [format, version, name, cores, packages, roofs, custom] =
+        const auto [format, version, name, cores, packages, roofs, custom, device] =
             m_file.members(value, kMachineMembers);
         m_file.header(value, format, version, "roofline-machine");
         if (name) m_machine.name = m_file.text(*name);
         if (cores) readCores(*cores);
         if (packages) m_machine.packages = count(*packages);
+        if (device) m_machine.device = readDevice(m_file, *device);
         if (roofs) {
             for (const auto& roof : m_file.array(*roofs).GetArray()) readRoof(roof);
             refuseTwins(m_machine.roofs, *roofs);

@@ -5,6 +5,7 @@
 
 #include "embedded_host/result/json_reader.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,7 @@ struct Machine {
     std::vector<MeasuredRoof> roofs;
     std::vector<MeasuredRoof>
         custom;  // the user's own values, of roofs that `roofs` has; the names are empty
+    std::optional<data_models2::GpuDeviceProperties> device;  // whose roofs these are
 };
 
 // `value` is the object of a machine: a machine file's root, or the member of a result file. Throws

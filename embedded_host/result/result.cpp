@@ -2,6 +2,7 @@
 #include "host_interfaces/signals.h"
 
 #include "embedded_host/embedded_host.h"
+#include "embedded_host/result/gpu_view_model.h"
 #include "embedded_host/result/view_model.h"
 
 #include <filesystem>
@@ -13,9 +14,9 @@ using namespace data_models2;
 
 class LoadedResult final : public Result {
 public:
-    LoadedResult(std::shared_ptr<ISurveyingViewModel> viewModel, std::string machineName)
-        : m_viewModel(std::move(viewModel)), m_machineName(std::move(machineName)) {}
-    ResultKind kind() const override { return ResultKind::Cpu; }
+    LoadedResult(ResultKind kind, std::shared_ptr<ISurveyingViewModel> viewModel, std::string machineName)
+        : m_kind(kind), m_viewModel(std::move(viewModel)), m_machineName(std::move(machineName)) {}
+    ResultKind kind() const override { return m_kind; }
     std::string machineName() const override { return m_machineName; }
     std::shared_ptr<ISurveyingViewModel> viewModel() const override { return m_viewModel; }
     void load(IViewModelBase::LoadType type) override {
@@ -23,6 +24,7 @@ public:
     }
 
 private:
+    const ResultKind m_kind;
     const std::shared_ptr<ISurveyingViewModel> m_viewModel;
     const std::string m_machineName;
 };
@@ -46,8 +48,9 @@ std::shared_ptr<Result> parseResult(const std::string& text, const std::string& 
                                     const OpenOptions& options) {
     auto result = readResult(JsonFile(path, text));
     auto machine = std::make_shared<const Machine>(findMachine(result, path, options));
-    auto viewModel = makeViewModel(std::move(result), machine, path);
-    return std::make_shared<LoadedResult>(std::move(viewModel), machine->name);
+    const auto kind = result.kind;
+    const auto make = kind == ResultKind::Gpu ? makeGpuViewModel : makeViewModel;
+    return std::make_shared<LoadedResult>(kind, make(std::move(result), machine, path), machine->name);
 }
 
 std::shared_ptr<Result> openResult(const std::string& path, const OpenOptions& options) {

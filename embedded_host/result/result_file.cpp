@@ -2,6 +2,7 @@
 #include "embedded_host/result/result_file.h"
 
 #include "embedded_host/result/derivation.h"
+#include "embedded_host/result/device.h"
 #include "embedded_host/result/row_reader.h"
 
 #include <algorithm>
@@ -13,10 +14,10 @@ namespace {
 using namespace data_models2;
 
 constexpr auto kTopMembers = std::to_array<std::string_view>(
-    {"format", "version", "kind", "program", "machine", "levels", "rows", "device", "statistics", "target"});
+    {"format", "version", "kind", "program", "machine", "levels", "rows", "device", "target"});
 constexpr auto kProgramMembers =
     std::to_array<std::string_view>({"name", "elapsedTime", "usedThreads", "collected"});
-constexpr auto kResultKinds = std::to_array<std::string_view>({"cpu", "gpu", "offload"});
+constexpr auto kResultKinds = std::to_array<std::string_view>({"cpu", "gpu", "offload"});  // by ResultKind
 constexpr auto kLevelNames =
     std::to_array<std::string_view>({"L1", "L2", "L3", "L4", "PKGRAM", "DRAM", "LLC"});
 constexpr auto kCollectedNames = std::to_array<std::string_view>({"trip_counts", "call_counts"});
@@ -66,12 +67,15 @@ void readLevels(const JsonFile& file, const JsonValue& value, ResultFile& result
     if (result.levels.empty()) file.fail(value, "expected the name of at least one memory level");
 }
 
-// The total elapsed time of the top rows.
-double elapsedTimeOf(const RowTable& rows) {
-    const auto* const times = rows.find(FieldId::TotalElapsedTime);
+// The total elapsed time of the top rows; on a device the time of all kernels.
+double elapsedTimeOf(const RowTable& rows, ResultKind kind) {
+    const bool isGpu = kind == ResultKind::Gpu;
+    const auto* const times = rows.find(isGpu ? FieldId::GpuElapsedTime : FieldId::TotalElapsedTime);
     if (!times) return 0.0;
     double sum = 0.0;
-    for (std::size_t row = 0; row < rows.size(); row = rows.ends[row]) sum += times->as<double>()[row];
+    for (std::size_t row = 0; row < rows.size(); row = isGpu ? row + 1 : rows.ends[row]) {
+        if (!isGpu || (rows.types[row] & row_type::kGpuTask)) sum += times->as<double>()[row];
+    }
     return std::isfinite(sum) ? sum : 0.0;
 }
 
@@ -79,27 +83,30 @@ double elapsedTimeOf(const RowTable& rows) {
 
 ResultFile readResult(const JsonFile& file) {
     const auto& root = file.root();
-    const auto [format, version, kind, program, machine, levels, rows, device, statistics, target] =
+    const auto [format, version, kind, program, machine, levels, rows, device, target] =
         file.members(root, kTopMembers);
     file.header(root, format, version, "roofline-result");
     file.need(root, kind, "kind");
-    if (file.choice(*kind, kResultKinds) != 0) {
-        file.fail(*kind, "kind " + std::string(textOf(*kind)) + " is not supported yet");
-    }
-    for (const auto* const foreign : {device, statistics, target}) {
-        if (foreign) file.fail(*foreign, "not a member of a result of kind cpu");
-    }
     ResultFile result;
+    result.kind = static_cast<ResultKind>(file.choice(*kind, kResultKinds));
+    const bool isGpu = result.kind == ResultKind::Gpu;
+    if (result.kind == ResultKind::Offload) file.fail(*kind, "kind offload is not supported yet");
+    for (const auto* const foreign : {isGpu ? levels : device, target}) {
+        if (foreign) file.fail(*foreign, "not a member of a result of kind " + std::string(textOf(*kind)));
+    }
     result.program.name = std::filesystem::path(file.name()).stem().string();
     const auto* const elapsedTime = program ? readProgram(file, *program, result) : nullptr;
     if (machine) readMachineMember(file, *machine, result);
     if (levels) readLevels(file, *levels, result);
     if (result.levels.empty()) result.levels = {"L1"};
+    if (device) result.device = readDevice(file, *device);
 
     file.need(root, rows, "rows");
-    auto table = readRows(file, *rows);
-    derive(table, static_cast<std::uint32_t>(result.usedThreads));
-    if (!elapsedTime) result.program.elapsedTime = elapsedTimeOf(table);
+    auto table = readRows(file, *rows, result.kind);
+    derive(table, result.kind, static_cast<std::uint32_t>(result.usedThreads));
+    const double total = elapsedTimeOf(table, result.kind);
+    if (!elapsedTime) result.program.elapsedTime = total;
+    if (isGpu) result.kernelTime = total;
     result.rows = std::make_shared<const RowTable>(std::move(table));
     return result;
 }

@@ -3,6 +3,7 @@
 
 #include "host_interfaces/records.h"
 
+#include "embedded_host/embedded_host.h"
 #include "embedded_host/result/columns.h"
 #include "embedded_host/result/machine_file.h"
 
@@ -14,10 +15,13 @@
 namespace embedded_host {
 
 struct ResultFile {
+    ResultKind kind = ResultKind::Cpu;
     data_models2::ProgramInfo program;
     int usedThreads = 1;
     std::uint64_t collected = 0;      // bits of collected_data
-    std::vector<std::string> levels;  // outermost last
+    std::vector<std::string> levels;  // outermost last; of a CPU result
+    std::optional<data_models2::GpuDeviceProperties> device;
+    double kernelTime = 0.0;  // seconds, of a GPU result: that of all kernels
     std::shared_ptr<const RowTable> rows;
 
     std::string machinePath;         // as the file says; empty: none

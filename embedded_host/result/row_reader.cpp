@@ -17,11 +17,13 @@ namespace {
 using namespace data_models2;
 
 constexpr auto kRowMembers = std::to_array<std::string_view>(
-    {"id", "kind", "type", "source", "executed", "cells", "mix", "boundedBy", "children"});
+    {"id", "kind", "type", "source", "executed", "cells", "mix", "boundedBy", "statistics", "children"});
 
 // Deliberate: only a kernel has a bit of its own. Loops, functions and regions are told apart by nobody.
 constexpr auto kKindNames = std::to_array<std::string_view>({"loop", "function", "region", "kernel"});
 constexpr auto kKindBits = std::to_array<std::uint64_t>({0, 0, 0, row_type::kGpuTask});
+constexpr std::size_t kLoop = 0;
+constexpr std::size_t kKernel = 3;
 
 // Texts that come again and again are stored once: a small cache by hash, where a newer text wins its place.
 class TextPool {
@@ -38,7 +40,7 @@ private:
 
 class RowReader {
 public:
-    explicit RowReader(const JsonFile& file) : m_file(file) {}
+    RowReader(const JsonFile& file, ResultKind kind) : m_file(file), m_kind(kind) {}
 
     RowTable read(const JsonValue& rows) {
         readTree(rows);
@@ -82,7 +84,7 @@ private:
 
     // Appends a row and returns its children, null when it has none.
     const JsonValue* readRow(const JsonValue& row, std::uint32_t parent) {
-        const auto [id, kind, type, source, executed, cells, mix, boundedBy, children] =
+        const auto [id, kind, type, source, executed, cells, mix, boundedBy, statistics, children] =
             m_file.members(row, kRowMembers);
         m_file.need(row, id, "id");
         const auto number = static_cast<std::int64_t>(m_file.integer(*id, 0, kMaxInt64));
@@ -98,15 +100,28 @@ private:
         if (cells && !cells->IsObject()) m_file.refuse(*cells, "an object of cells by field name");
         m_cells.push_back(cells);
         if (mix) readMix(m_table.size() - 1, *mix);
-        if (boundedBy) m_file.text(*boundedBy);
+        if (boundedBy) readBounds(m_table.size() - 1, *boundedBy);
+        if (statistics) {
+            if (m_kind != ResultKind::Gpu) m_file.fail(*statistics, "only a row of kind gpu has statistics");
+            readStatistics(m_file, *statistics, static_cast<std::uint32_t>(m_table.size() - 1),
+                           m_table.statistics);
+        }
         return children;
+    }
+
+    void readBounds(std::size_t row, const JsonValue& value) {
+        if (!value.IsArray()) {
+            m_table.bounds.emplace_back(row, m_file.text(value));
+            return;
+        }
+        for (const auto& name : value.GetArray()) m_table.bounds.emplace_back(row, m_file.text(name));
     }
 
     std::uint64_t readType(const JsonValue* kind, const JsonValue* type, const JsonValue* executed) const {
         if (kind && type) m_file.fail(*type, "expected either \"kind\" or \"type\", found both");
         const auto bits = kind   ? kKindBits[m_file.choice(*kind, kKindNames)]
                           : type ? m_file.integer(*type, 0, UINT64_MAX)
-                                 : 0;
+                                 : kKindBits[m_kind == ResultKind::Gpu ? kKernel : kLoop];
         return bits | (executed && !m_file.boolean(*executed) ? row_type::kNotExecuted : 0);
     }
 
@@ -197,6 +212,7 @@ private:
     }
 
     const JsonFile& m_file;
+    const ResultKind m_kind;
     RowTable m_table;
     std::vector<const JsonValue*> m_rows;
     std::vector<const JsonValue*> m_cells;
@@ -208,6 +224,8 @@ private:
 
 }  // namespace
 
-RowTable readRows(const JsonFile& file, const JsonValue& rows) { return RowReader(file).read(rows); }
+RowTable readRows(const JsonFile& file, const JsonValue& rows, ResultKind kind) {
+    return RowReader(file, kind).read(rows);
+}
 
 }  // namespace embedded_host

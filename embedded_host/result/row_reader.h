@@ -8,6 +8,6 @@ namespace embedded_host {
 
 // The rows of the member `rows`, checked, with the cells as given; nothing is derived but the type bits.
 // Throws FileError.
-RowTable readRows(const JsonFile& file, const JsonValue& rows);
+RowTable readRows(const JsonFile& file, const JsonValue& rows, ResultKind kind);
 
 }  // namespace embedded_host

@@ -18,6 +18,12 @@ inline std::string resultText(const std::string& rows, const std::string& member
            rows + "]}";
 }
 
+// The same of a device.
+inline std::string gpuText(const std::string& rows, const std::string& members = "") {
+    return R"({"format": "roofline-result", "version": 1, "kind": "gpu")" + members + R"(, "rows": [)" +
+           rows + "]}";
+}
+
 inline std::shared_ptr<data_models2::ISurveyingViewModel> viewOf(const std::string& rows,
                                                                  const std::string& members = "") {
     return parseResult(resultText(rows, members), "test.json")->viewModel();

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <map>
 #include <set>
 
 namespace embedded_host {
@@ -114,6 +115,48 @@ TEST(RoofConfigurations, ThatNobodyWroteAreRefused) {
         auto text = good;
         EXPECT_FALSE(parseCpuRoofConfiguration(text.replace(text.find(from), from.size(), to))) << text;
     }
+}
+
+TEST(RoofConfigurations, OfADeviceAreReadBackAndNoOthers) {
+    for (const auto usage : {TileUsage::Single, TileUsage::Multi})
+        for (int type = 0; type < 4; ++type) {
+            const GpuRoofConfiguration written{usage, static_cast<OperationsType>(type)};
+            const auto text = roof::getGpuRoofConfiguration(usage, written.operations);
+            EXPECT_EQ(parseGpuRoofConfiguration(text), written) << text;
+            EXPECT_FALSE(parseCpuRoofConfiguration(text)) << text;
+        }
+    for (const char* const text : {"", "tiles=0;operations=0", "tiles=3;operations=0", "tiles=1;operations=4",
+                                   "tiles=1;operations=0 ", "operations=0;tiles=1"})
+        EXPECT_FALSE(parseGpuRoofConfiguration(text)) << text;
+}
+
+// What the options, the roofs and the texts make of one number must fit together.
+TEST(DeviceMemory, NamesALevelWithARoof) {
+    const std::tuple<MemoryLevel, const char*, RoofId, bool> rows[] = {
+        {MemoryLevel::Dram, "DRAMgpu", RoofId::DeviceDramBandwidth, false},
+        {MemoryLevel::Hbm, "HBMgpu", RoofId::DeviceHbmBandwidth, true},
+        {MemoryLevel::Xli, "XLIgpu", RoofId::XliBandwidth, false},
+        {MemoryLevel::Gddr6, "GDDR6gpu", RoofId::XliBandwidth, false},  // a level without a roof of its own
+        {MemoryLevel::None, "XLIgpu", RoofId::XliBandwidth, false},
+        {MemoryLevel::L2, "XLIgpu", RoofId::XliBandwidth, false},  // devices have none
+    };
+    for (const auto& [level, name, roof, isNew] : rows) {
+        const auto number = static_cast<unsigned long long>(level);
+        EXPECT_EQ(roofline_helpers::getGpuMemoryRooflineType(number), name);
+        EXPECT_EQ(roofline_helpers::getGpuLastMemLevelRoofId(name), roof) << name;
+        EXPECT_EQ(gpu_helpers::useNewGpuTerminology(number), isNew) << name;
+    }
+    EXPECT_EQ(roofline_helpers::getGpuMemoryRooflineType(~0ULL), "XLIgpu");
+}
+
+TEST(InstructionClasses, AreGroupedWithNoneLeftOut) {
+    std::map<std::string, std::string> groups;
+    for (int number = -1; number <= static_cast<int>(GpuInstruction::Bit) + 1; ++number)
+        groups[gpu_roofline_helpers::getInstructionType(number)] += std::to_string(number) + ' ';
+    EXPECT_EQ(groups, (std::map<std::string, std::string>{{"atomic", "11 13 "},
+                                                          {"compute", "2 3 4 5 6 12 16 17 "},
+                                                          {"memory", "7 8 9 10 "},
+                                                          {"other", "-1 0 1 14 15 18 "}}));
 }
 
 }  // namespace

@@ -1,0 +1,18 @@
+// The machine that a profiled program ran on: its device and the roofs that were measured beside.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace embedded_host::rocprof {
+
+struct MachineText {
+    std::string text;         // of a machine file
+    std::string programName;  // empty when it isn't told
+};
+
+// Of the folder's roofline.csv and sysinfo.csv; what is missing there is told in `warnings`. Throws
+// FileError.
+MachineText makeMachine(const std::string& folder, std::vector<std::string>& warnings);
+
+}  // namespace embedded_host::rocprof
