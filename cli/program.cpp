@@ -85,6 +85,13 @@ void addConfiguration(CLI::App& command, std::optional<std::string>& configurati
         ->type_name("CONFIG");
 }
 
+constexpr auto kSummaryFooter =
+    R"(Sums over all loops, over the elapsed time of the whole program: the bandwidth of each memory level, and
+giga operations per second of each type that was counted, under the compute roof that stands for what the
+program spends its time on (vectorised or not, float or integer, single or double precision). The roofs are
+for the threads that the program used, an odd number raised to the next even one. "of roof" is what is reached
+of the roof; above a roof it is more than 100 % and has a "!". A level whose traffic wasn't measured is N/A.)";
+
 void addReaders(Commands& commands) {
     auto [fields, fieldsRequest] =
         commands.add<FieldsRequest>(commands.app, "fields", "List the columns that a result can have",
@@ -121,6 +128,13 @@ void addReaders(Commands& commands) {
     addOutputs(*chart, chartRequest->outputs, "the table");
     chart->add_option("--svg", chartRequest->outputs.svg, "write a picture to FILE, or to stdout for -")
         ->type_name("FILE");
+
+    auto [summary, summaryRequest] = commands.add<SummaryRequest>(
+        commands.app, "summary", "Tell how much of its roofs the program reaches",
+        "roofline summary result.json", runSummary);
+    summary->footer(std::string(kSummaryFooter) + "\n\n" + summary->get_footer());
+    addSource(*summary, summaryRequest->source);
+    addOutputs(*summary, summaryRequest->outputs, "the table");
 }
 
 std::string checkId(const std::string& text) {

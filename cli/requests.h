@@ -55,6 +55,10 @@ struct ChartRequest {
     std::optional<std::string> configuration;
     RoofChoice roofs;
 };
+struct SummaryRequest {
+    ResultSource source;
+    Outputs outputs;
+};
 struct RowsRequest {
     ResultSource source;
     Outputs outputs;
@@ -101,6 +105,7 @@ int runOptions(const OptionsRequest&, Console&);
 int runThreads(const ThreadsRequest&, Console&);
 int runRoofs(const RoofsRequest&, Console&);
 int runChart(const ChartRequest&, Console&);
+int runSummary(const SummaryRequest&, Console&);
 int runRows(const RowsRequest&, Console&);
 int runRow(const RowRequest&, Console&);
 int runLoop(const LoopRequest&, Console&);
