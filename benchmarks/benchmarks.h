@@ -2,4 +2,5 @@
 #pragma once
 
 int runChartBenchmark();
+int runDominanceBenchmark();
 int runRowBenchmark();
