@@ -47,7 +47,11 @@ struct RoofsRequest {
     Outputs outputs;
     std::optional<std::string> configuration;
     RoofChoice roofs;
-    bool all = false;  // for each thread set-up that a chart can offer
+    // At most one of these; with none, the roofs of one thread set-up.
+    bool all = false;              // for each thread set-up that a chart can offer
+    bool selected = false;         // which ones a chart shows
+    std::vector<std::string> set;  // NAME=VALUE[UNIT]
+    bool clear = false;            // the own values of the thread set-up
 };
 struct ChartRequest {
     ResultSource source;

@@ -5,6 +5,7 @@
 #include "host_interfaces/model.h"
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -35,6 +36,12 @@ public:
     virtual ResultKind kind() const = 0;
     // The name and version of the machine whose roofs are used; empty when none is known.
     virtual std::string machineName() const = 0;
+    // The file of that machine; empty when the machine stands in the result or none is known. The user's own
+    // values of roofs are kept there.
+    virtual std::string machineFile() const = 0;
+    // Why the last change of own values of roofs failed, which the library answers by false alone; empty when
+    // it succeeded or nothing was changed yet.
+    virtual std::string ownRoofsFault() const = 0;
     // What the library is given. The view model shares the result's data and outlives this object.
     virtual std::shared_ptr<data_models2::ISurveyingViewModel> viewModel() const = 0;
     // Tells the subscribers of the view model that a result is there.
@@ -73,6 +80,10 @@ OMBRIX_API std::string importCsv(const CsvImport& import, const Progress& progre
 
 // Makes the text of a machine file of a table with the columns threads, roof, unit, value and, if there, how.
 OMBRIX_API std::string importRoofs(const std::string& csvFile, const std::string& machineName);
+
+// The value of a roof in bytes or operations per second of a text such as "40GB/s", "40 GiB/s", "1.5TFLOP/s";
+// a bare number counts GB/s or GFLOP/s. Throws std::invalid_argument with the reason.
+OMBRIX_API std::uint64_t parseRoofValue(const std::string& text, bool isMemory);
 
 // Reads a file whole; throws FileError.
 OMBRIX_API std::string readFile(const std::string& path);

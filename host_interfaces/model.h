@@ -97,8 +97,8 @@ public:
 class OMBRIX_API IRoofManager {
 public:
     virtual ~IRoofManager() = default;
-    // The roofs of a configuration made by `roof::getCpuRoofConfiguration` or `roof::getGpuRoofConfiguration`;
-    // all roofs for an empty text.
+    // The roofs of a configuration made by `roof::getCpuRoofConfiguration` or
+    // `roof::getGpuRoofConfiguration`; all roofs for an empty text.
     virtual generic_iterator_t<RoofItem> getRoofs(const std::string& configuration) const = 0;
     // Replaces the values of the given roofs (bytes or operations per second) for a configuration; false when
     // refused.

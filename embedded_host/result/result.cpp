@@ -2,6 +2,7 @@
 #include "host_interfaces/signals.h"
 
 #include "embedded_host/embedded_host.h"
+#include "embedded_host/result/roof_table.h"
 #include "embedded_host/result/view_model.h"
 
 #include <filesystem>
@@ -13,10 +14,14 @@ using namespace data_models2;
 
 class LoadedResult final : public Result {
 public:
-    LoadedResult(std::shared_ptr<ISurveyingViewModel> viewModel, std::string machineName)
-        : m_viewModel(std::move(viewModel)), m_machineName(std::move(machineName)) {}
+    LoadedResult(std::shared_ptr<ISurveyingViewModel> viewModel, std::shared_ptr<const Machine> machine)
+        : m_viewModel(std::move(viewModel)), m_machine(std::move(machine)) {}
     ResultKind kind() const override { return ResultKind::Cpu; }
-    std::string machineName() const override { return m_machineName; }
+    std::string machineName() const override { return m_machine->name; }
+    std::string machineFile() const override { return m_machine->file; }
+    std::string ownRoofsFault() const override {
+        return embedded_host::ownRoofsFault(*m_viewModel->getRoofManager(DataType::Cpu));
+    }
     std::shared_ptr<ISurveyingViewModel> viewModel() const override { return m_viewModel; }
     void load(IViewModelBase::LoadType type) override {
         m_viewModel->onSurveyResultLoaded().raise(type, m_viewModel->getResultDirectory());
@@ -24,7 +29,7 @@ public:
 
 private:
     const std::shared_ptr<ISurveyingViewModel> m_viewModel;
-    const std::string m_machineName;
+    const std::shared_ptr<const Machine> m_machine;
 };
 
 // A machine without roofs when none is known.
@@ -47,7 +52,7 @@ std::shared_ptr<Result> parseResult(const std::string& text, const std::string& 
     auto result = readResult(JsonFile(path, text));
     auto machine = std::make_shared<const Machine>(findMachine(result, path, options));
     auto viewModel = makeViewModel(std::move(result), machine, path);
-    return std::make_shared<LoadedResult>(std::move(viewModel), machine->name);
+    return std::make_shared<LoadedResult>(std::move(viewModel), std::move(machine));
 }
 
 std::shared_ptr<Result> openResult(const std::string& path, const OpenOptions& options) {
