@@ -18,9 +18,9 @@ namespace {
 using Kind = Column::Kind;
 using json::Value;
 
-// The text of the library; empty when it has none.
-std::string loadSummary(const Session& session) {
-    const auto text = std::make_shared<std::string>();  // the answer may come after all
+// The text of the library; empty when it has none, nothing when its search has failed.
+std::optional<std::string> loadSummary(const Session& session) {
+    const auto text = std::make_shared<std::optional<std::string>>();  // the answer may come after all
     session.engine->loadSummaryData(0, [text](const std::string& answer) { *text = answer; });
     waitForTasks();
     return *text;
@@ -126,13 +126,14 @@ const char* causeOf(const Session& session) {
 int runSummary(const SummaryRequest& request, Console& console) {
     const auto session = openSession(request.source);
     const auto text = loadSummary(session);
-    if (text.empty()) {
-        console.err << "no summary: " << causeOf(session) << '\n';
+    if (!text || text->empty()) {
+        console.err << "no summary: "
+                    << (text ? causeOf(session) : "the search for what dominates the program failed") << '\n';
         return kNoAnswer;
     }
-    const auto summary = json::parse(text, "the library's summary");
+    const auto summary = json::parse(*text, "the library's summary");
     Answer answer;
-    answer.json = [&] { return text; };
+    answer.json = [&] { return *text; };
     answer.csv = [&] { return toCsv(withoutBars(summaryTable(summary))); };
     answer.table = [&] { return heading(session, summary) + toText(summaryTable(summary)); };
     deliver(answer, request.outputs, console);

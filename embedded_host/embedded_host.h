@@ -106,8 +106,8 @@ OMBRIX_API void setAssertionHandler(AssertionHandler handler);
 
 // Background tasks of the library run on threads of this host's, two unless told otherwise; 0 turns them off.
 OMBRIX_API void setTaskThreads(unsigned count);
-// Tells what the tasks have found, on the calling thread, which has to be the one that calls the library.
-// Waits for tasks that are queued or running until none is left (true) or the limit has passed (false).
+// Tells what the tasks have found, on the calling thread, the one on which the engines live. Waits
+// for tasks that are queued or running until none is left (true) or the limit has passed (false).
 OMBRIX_API bool pumpTasks(std::chrono::milliseconds limit);
 // Cancels all tasks, waits for the threads and tells nothing. Call it before the process ends, so that no
 // task runs while static objects are destroyed.

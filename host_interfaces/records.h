@@ -143,7 +143,7 @@ struct DeviceInfo {
 
 // What is known of the device that a GPU result was measured on. The default knows nothing.
 struct GpuDeviceProperties {
-    std::uint64_t memoryType = 0;  // number of the MemoryLevel of the device's last memory; 0: unknown
+    std::uint64_t memoryType = 0;        // number of the MemoryLevel of the device's last memory; 0: unknown
     std::uint64_t subDeviceCount = 0;    // 0: unknown
     std::uint64_t computeUnitCount = 0;  // 0: unknown
     bool isIntegrated = false;           // shares its memory with the CPU

@@ -40,6 +40,7 @@ const std::map<std::string, int> kArgumentCounts{
     {"roofline_memory_dominating_type_expl", 1},
     {"roofline_summary_bytes", 1},
     {"roofline_summary_roof_descr", 1},
+    {"roofline_summary_gpu_carm_title", 1},
 };
 
 // A folder of message files that goes with the test, and the assertions that reading it reports.
