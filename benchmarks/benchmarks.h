@@ -2,5 +2,6 @@
 #pragma once
 
 int runChartBenchmark();
+int runDominanceBenchmark();
 int runRowBenchmark();
 int runRocprofBenchmark();

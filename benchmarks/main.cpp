@@ -1,4 +1,4 @@
-// Runs all benchmarks, or the one named: chart, rows, rocprof.
+// Runs all benchmarks, or the one named: chart, dominance, rows, rocprof.
 #include "embedded_host/embedded_host.h"
 
 #include "benchmarks/benchmarks.h"
@@ -10,6 +10,7 @@ int main(int argc, char** argv) {
     const std::string_view only = argc > 1 ? argv[1] : "";
     int failures = 0;
     if (only.empty() || only == "chart") failures += runChartBenchmark();
+    if (only.empty() || only == "dominance") failures += runDominanceBenchmark();
     if (only.empty() || only == "rows") failures += runRowBenchmark();
     if (only.empty() || only == "rocprof") failures += runRocprofBenchmark();
     return failures;

@@ -18,6 +18,9 @@ public:
         m_text = R"({"format":"roofline-result","version":1,"kind":"cpu",)"
                  R"("program":{"name":"synthetic","usedThreads":4})";
         if (m_shape.levels) m_text += R"(,"levels":["L1","L2","L3","DRAM"])";
+        if (m_shape.types)
+            m_text += R"(,"machine":{"format":"roofline-machine","version":1,"roofs":[)"
+                      R"({"id":6,"value":40,"unit":"GB/s"}]})";
         m_text += R"(,"rows":[)";
         for (bool first = true; m_rows < m_shape.rows; first = false) writeRow(first, m_shape.depth);
         return m_text + "]}";
@@ -33,6 +36,11 @@ private:
                first ? "" : ",\n", id, id, id % 97, id % 31, id % 1000);
         append(R"("LoopType":"{}","Vectorized":{},"SelfElapsedTime":{},"SelfFloatOps":{},"SelfIntOps":{})",
                id % 3 ? "Scalar" : "Vectorized", id % 2, random(), random() * 10.0, random());
+        if (m_shape.types) {
+            constexpr std::array kTypes{"Float32", "Int32; <b>Float64</b>", "<b>Int64</b>; Int32", "UInt8"};
+            append(R"(,"SelfTime":{},"DataTypes":"{}")", random(), kTypes[id % kTypes.size()]);
+            if (id % 3 == 0) append(R"(,"MainDataType":{})", id % 2 ? 16 : 8);
+        }
         if (m_shape.levels) {
             double traffic = 4.0 * random();
             for (const char* level : {"L1", "L2", "L3", "Dram"}) {

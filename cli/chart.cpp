@@ -21,6 +21,7 @@ struct Chart {
     std::string complete;       // every group written out
     std::string json;
     std::string roofs;
+    std::string selectedRoofs;
     ChartDocument document;
     RowCount count;
 };
@@ -37,6 +38,8 @@ Chart makeChart(const ChartRequest& request) {
             fmt::format("the library has no chart for configuration '{}'", chart.configuration));
     chart.roofs = engine.getRoofs(chart.configuration, threadingOf(chart.session, request.roofs),
                                   perspectiveOf(request.roofs));
+    waitForTasks();
+    chart.selectedRoofs = engine.getSelectedRoofs(chart.configuration, perspectiveOf(request.roofs));
     chart.document = parseChartDocument(chart.json);
     chart.count = countRows(chart.session.rows, chart.session.tree, chart.document, chart.complete);
     return chart;
@@ -48,6 +51,7 @@ std::string draw(const Chart& chart) {
     if (options.title.empty()) options.title = "Roofline";
     const auto machine = chart.session.result->machineName();
     options.subtitle = machine.empty() ? chart.complete : fmt::format("{}  |  {}", machine, chart.complete);
+    options.selectedRoofs = chart.selectedRoofs;
     return drawChart(chart.json, chart.roofs, chart.count.unplaced, options);
 }
 

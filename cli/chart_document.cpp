@@ -2,6 +2,7 @@
 #include "cli/chart_document.h"
 
 #include "cli/json.h"
+#include "cli/text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -134,6 +135,24 @@ std::vector<Roof> parseRoofs(const std::string& text) {
         roofs.push_back(
             {json::text(item, "name"), json::text(item, "measure"), *value, json::flag(item, "isMem")});
     }
+    return roofs;
+}
+
+std::vector<Roof> chooseRoofs(std::vector<Roof> roofs, const std::string& selected) {
+    if (selected.empty()) {
+        std::map<bool, double> top;
+        for (const auto& roof : roofs) top[roof.isMemory] = std::max(top[roof.isMemory], roof.value);
+        for (auto& roof : roofs) roof.isSelected = roof.value >= top[roof.isMemory];
+        return roofs;
+    }
+    const auto root = json::parse(selected, "the selected roofs");
+    const auto* const states = json::member(root, "roofsState");
+    const auto has = [states](const Roof& roof, const char* what) {
+        const auto* const state = states ? json::member(*states, roofKey(roof.name).c_str()) : nullptr;
+        return state && json::flag(*state, what);
+    };
+    std::erase_if(roofs, [&](const Roof& roof) { return has(roof, "hidden"); });
+    for (auto& roof : roofs) roof.isSelected = has(roof, "selected");
     return roofs;
 }
 

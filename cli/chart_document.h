@@ -54,11 +54,15 @@ struct Roof {
     std::string measure;  // of `value` in giga units
     double value = 0.0;
     bool isMemory = false;
+    bool isSelected = false;  // shown strongly
 };
 
 // Both throw std::runtime_error for a text that is no JSON; points and roofs that can't be drawn are left
 // out. Total data wins over self data, as it does in the document.
 ChartDocument parseChartDocument(const std::string& text);
 std::vector<Roof> parseRoofs(const std::string& text);
+// Marks the selected roofs and drops the hidden ones, by the library's text. An empty text selects the
+// highest roof of each kind.
+std::vector<Roof> chooseRoofs(std::vector<Roof> roofs, const std::string& selected);
 
 }  // namespace cli

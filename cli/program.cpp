@@ -85,6 +85,37 @@ void addConfiguration(CLI::App& command, std::optional<std::string>& configurati
         ->type_name("CONFIG");
 }
 
+constexpr auto kSummaryFooter =
+    R"(Sums over all loops, over the elapsed time of the whole program: the bandwidth of each memory level, and
+giga operations per second of each type that was counted, under the compute roof that stands for what
+the program spends its time on (vectorised or not, float or integer, single or double precision). The
+roofs are for the threads that the program used, an odd number raised to the next even one. "of roof" is
+what is reached of the roof; above a roof it is more than 100 % and has a "!". A level whose traffic
+wasn't measured is N/A.)";
+
+constexpr auto kRoofsFooter =
+    R"(A value of your own counts for its thread set-up only (--threads, --packages, --single), in every chart
+and table from then on. It is kept in the machine file beside the measured value: results that share a machine
+file share its custom roofs. Odd numbers of threads are taken as the next even one.)";
+
+void addRoofModes(CLI::App& command, RoofsRequest& request) {
+    const std::vector<CLI::Option*> modes{
+        command.add_flag("--all", request.all, "for each thread set-up that a chart can offer"),
+        command.add_flag("--selected", request.selected,
+                         "tell which roofs a chart shows at first and which it hides"),
+        command
+            .add_option("--set", request.set,
+                        "a roof's value of your own, in units such as GB/s, GiB/s, GFLOP/s; may be repeated")
+            ->allow_extra_args(false)
+            ->type_name("NAME=VALUE[UNIT]"),
+        command.add_flag("--clear", request.clear, "take all values of your own away")};
+    for (auto mode = modes.begin(); mode != modes.end(); ++mode)
+        for (auto other = std::next(mode); other != modes.end(); ++other) (*mode)->excludes(*other);
+    // Which roofs are selected doesn't depend on threads.
+    for (const auto* const name : {"--threads", "--packages", "--single"})
+        modes[1]->excludes(command.get_option(name));
+}
+
 void addReaders(Commands& commands) {
     auto [fields, fieldsRequest] =
         commands.add<FieldsRequest>(commands.app, "fields", "List the columns that a result can have",
@@ -109,8 +140,9 @@ void addReaders(Commands& commands) {
     addSource(*roofs, roofsRequest->source);
     addConfiguration(*roofs, roofsRequest->configuration);
     addRoofChoice(*roofs, roofsRequest->roofs);
-    roofs->add_flag("--all", roofsRequest->all, "for each thread set-up that a chart can offer");
+    addRoofModes(*roofs, *roofsRequest);
     addOutputs(*roofs, roofsRequest->outputs, "the JSON");
+    roofs->footer(std::string(kRoofsFooter) + "\n\n" + roofs->get_footer());
 
     auto [chart, chartRequest] = commands.add<ChartRequest>(
         commands.app, "chart", "Make the roofline chart of a result",
@@ -121,6 +153,13 @@ void addReaders(Commands& commands) {
     addOutputs(*chart, chartRequest->outputs, "the table");
     chart->add_option("--svg", chartRequest->outputs.svg, "write a picture to FILE, or to stdout for -")
         ->type_name("FILE");
+
+    auto [summary, summaryRequest] = commands.add<SummaryRequest>(
+        commands.app, "summary", "Tell how much of its roofs the program reaches",
+        "roofline summary result.json", runSummary);
+    summary->footer(std::string(kSummaryFooter) + "\n\n" + summary->get_footer());
+    addSource(*summary, summaryRequest->source);
+    addOutputs(*summary, summaryRequest->outputs, "the table");
 }
 
 std::string checkId(const std::string& text) {

@@ -47,13 +47,21 @@ struct RoofsRequest {
     Outputs outputs;
     std::optional<std::string> configuration;
     RoofChoice roofs;
-    bool all = false;  // for each thread set-up that a chart can offer
+    // At most one of these; with none, the roofs of one thread set-up.
+    bool all = false;              // for each thread set-up that a chart can offer
+    bool selected = false;         // which ones a chart shows
+    std::vector<std::string> set;  // NAME=VALUE[UNIT]
+    bool clear = false;            // the own values of the thread set-up
 };
 struct ChartRequest {
     ResultSource source;
     Outputs outputs;
     std::optional<std::string> configuration;
     RoofChoice roofs;
+};
+struct SummaryRequest {
+    ResultSource source;
+    Outputs outputs;
 };
 struct RowsRequest {
     ResultSource source;
@@ -110,6 +118,7 @@ int runOptions(const OptionsRequest&, Console&);
 int runThreads(const ThreadsRequest&, Console&);
 int runRoofs(const RoofsRequest&, Console&);
 int runChart(const ChartRequest&, Console&);
+int runSummary(const SummaryRequest&, Console&);
 int runRows(const RowsRequest&, Console&);
 int runRow(const RowRequest&, Console&);
 int runLoop(const LoopRequest&, Console&);

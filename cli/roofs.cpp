@@ -1,8 +1,14 @@
-// `roofline roofs`: the machine's roofs for a thread set-up, or for each that a chart can offer.
+// `roofline roofs`: the machine's roofs for a thread set-up or for each that a chart can offer, the choice of
+// a chart among them, and own values for them.
 #include "cli/answer.h"
 #include "cli/json.h"
+#include "cli/own_roofs.h"
 #include "cli/session.h"
 #include "cli/table.h"
+#include "cli/text.h"
+
+#include <map>
+#include <string>
 
 namespace cli {
 namespace {
@@ -49,16 +55,51 @@ Table allRoofsTable(const std::string& text) {
     return table;
 }
 
+// The library names roofs by their short form here.
+Table selectedRoofsTable(const Session& session, const std::string& text) {
+    std::map<std::string, std::string> names;
+    for (auto roof = session.viewModel->getRoofManager(session.rows->getDataType())->getRoofs({});
+         !roof.isEnd(); ++roof)
+        names.emplace(roofKey((*roof).name), (*roof).name);
+    const auto nameOf = [&](const std::string& shortName) {
+        const auto found = names.find(shortName);
+        return found == names.end() ? shortName : found->second;
+    };
+    const auto yesOrNo = [](bool flag) { return std::string(flag ? "yes" : "no"); };
+
+    Table table{{{"roof", "roof"}, {"selected", "selected"}, {"hidden", "hidden"}}, {}};
+    const auto answer = json::parse(text, "the library's selected roofs");
+    if (const auto* const roofs = json::member(answer, "roofsState"); roofs && roofs->IsObject())
+        for (const auto& [name, state] : roofs->GetObject())
+            table.rows.push_back({nameOf(name.GetString()), yesOrNo(json::flag(state, "selected")),
+                                  yesOrNo(json::flag(state, "hidden"))});
+    return table;
+}
+
+std::string askLibrary(const Session& session, const RoofsRequest& request,
+                       const std::string& configuration) {
+    const auto& engine = *session.engine;
+    const auto perspective = perspectiveOf(request.roofs);
+    if (request.all) return engine.getAllRoofs(configuration);
+    if (!request.selected)
+        return engine.getRoofs(configuration, threadingOf(session, request.roofs), perspective);
+    waitForTasks();  // what dominates the program is selected too
+    return engine.getSelectedRoofs(configuration, perspective);
+}
+
 }  // namespace
 
 int runRoofs(const RoofsRequest& request, Console& console) {
     const auto session = openSession(request.source);
     const auto configuration = chooseConfiguration(session, request.configuration);
-    const auto text = request.all
-                          ? session.engine->getAllRoofs(configuration)
-                          : session.engine->getRoofs(configuration, threadingOf(session, request.roofs),
-                                                     perspectiveOf(request.roofs));
-    const auto table = [&] { return request.all ? allRoofsTable(text) : roofTable(text); };
+    if (!request.set.empty()) setOwnRoofs(session, request, console);
+    if (request.clear) clearOwnRoofs(session, request, console);
+    const auto text = askLibrary(session, request, configuration);
+    const auto table = [&] {
+        return request.selected ? selectedRoofsTable(session, text)
+               : request.all    ? allRoofsTable(text)
+                                : roofTable(text);
+    };
     Answer answer;
     answer.json = [&] { return text; };
     answer.csv = [&] { return toCsv(table()); };

@@ -9,7 +9,9 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <sstream>
+#include <stdexcept>
 
 namespace cli {
 namespace {
@@ -72,6 +74,12 @@ Session openSession(const ResultSource& source) {
     session.rows = session.viewModel->getDataset(kind->rows);
     if (kind->tree != DataType::None) session.tree = session.viewModel->getDataset(kind->tree);
     return session;
+}
+
+void waitForTasks() {
+    constexpr std::chrono::minutes kLimit(2);
+    if (!embedded_host::pumpTasks(kLimit))
+        throw std::runtime_error("the search for what dominates the program doesn't come to an end");
 }
 
 std::string chooseConfiguration(const Session& session, const std::optional<std::string>& given) {

@@ -26,6 +26,9 @@ struct Session {
 // Throws embedded_host::FileError for a bad file, UsageError for an unknown language.
 Session openSession(const ResultSource& source);
 
+// Until the library knows what dominates the program. Throws std::runtime_error when that takes too long.
+void waitForTasks();
+
 // The configuration to ask for: the one given, or the options' defaults. Throws UsageError when it holds a
 // value that this result's options lack: the library would fall back on defaults without a word.
 std::string chooseConfiguration(const Session& session, const std::optional<std::string>& given);

@@ -3,9 +3,13 @@
 
 #include "embedded_host/embedded_host.h"
 
+#include <boost/algorithm/string/case_conv.hpp>
+#include <boost/algorithm/string/erase.hpp>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <locale>
 
 namespace cli {
 namespace {
@@ -129,6 +133,13 @@ double textWidth(std::string_view text, double fontSize) {
     for (const char byte : text)
         if (!continues(byte)) width += advance(byte);
     return width * fontSize;
+}
+
+std::string roofKey(std::string_view name) {
+    auto key = boost::to_lower_copy(std::string(name), std::locale::classic());
+    boost::erase_all(key, "(single-threaded)");
+    std::erase_if(key, [](char c) { return std::isspace(c, std::locale::classic()); });
+    return key;
 }
 
 std::string shortNumber(double value) { return embedded_host::formatNumber(value, 4); }

@@ -18,6 +18,8 @@ std::size_t length(std::string_view text);
 std::string shorten(std::string_view text, std::size_t most);
 // The width of a clean text in a sans-serif font, in the unit of `fontSize`; rather too wide than too narrow.
 double textWidth(std::string_view text, double fontSize);
+// The form in which roofs are compared: lower case, without white space and "(single-threaded)".
+std::string roofKey(std::string_view name);
 // `value` with four significant digits; "N/A" when it isn't finite.
 std::string shortNumber(double value);
 

@@ -5,6 +5,7 @@
 #include "host_interfaces/model.h"
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -35,6 +36,12 @@ public:
     virtual ResultKind kind() const = 0;
     // The name and version of the machine whose roofs are used; empty when none is known.
     virtual std::string machineName() const = 0;
+    // The file of that machine; empty when the machine stands in the result or none is known. The user's own
+    // values of roofs are kept there.
+    virtual std::string machineFile() const = 0;
+    // Why the last change of own values of roofs failed, which the library answers by false alone; empty when
+    // it succeeded or nothing was changed yet.
+    virtual std::string ownRoofsFault() const = 0;
     // What the library is given. The view model shares the result's data and outlives this object.
     virtual std::shared_ptr<data_models2::ISurveyingViewModel> viewModel() const = 0;
     // Tells the subscribers of the view model that a result is there.
@@ -90,6 +97,10 @@ struct RocprofTexts {
 // Makes the texts of a result file and of its machine file. Throws FileError; `progress` as with `importCsv`.
 OMBRIX_API RocprofTexts importRocprof(const RocprofImport& import, const Progress& progress = {});
 
+// The value of a roof in bytes or operations per second of a text such as "40GB/s", "40 GiB/s", "1.5TFLOP/s";
+// a bare number counts GB/s or GFLOP/s. Throws std::invalid_argument with the reason.
+OMBRIX_API std::uint64_t parseRoofValue(const std::string& text, bool isMemory);
+
 // Reads a file whole; throws FileError.
 OMBRIX_API std::string readFile(const std::string& path);
 // Writes to a temporary beside `path` and renames it. An existing file is replaced only with `overwrite`;
@@ -111,8 +122,8 @@ OMBRIX_API void setAssertionHandler(AssertionHandler handler);
 
 // Background tasks of the library run on threads of this host's, two unless told otherwise; 0 turns them off.
 OMBRIX_API void setTaskThreads(unsigned count);
-// Tells what the tasks have found, on the calling thread, which has to be the one that calls the library.
-// Waits for tasks that are queued or running until none is left (true) or the limit has passed (false).
+// Tells what the tasks have found, on the calling thread, the one on which the engines live. Waits
+// for tasks that are queued or running until none is left (true) or the limit has passed (false).
 OMBRIX_API bool pumpTasks(std::chrono::milliseconds limit);
 // Cancels all tasks, waits for the threads and tells nothing. Call it before the process ends, so that no
 // task runs while static objects are destroyed.

@@ -107,7 +107,8 @@ public:
     }
     virtual bool clearCustomRoofValues(const RoofThreadingFeatures&) { return false; }
 
-    // Raised when an answer has changed without a new load.
+    // Raised when a background task has changed answers. A slot, like a summary's callback, may ask the
+    // engine anything but must not destroy it.
     signal_t<> changed;
 };
 

@@ -15,7 +15,7 @@ class OMBRIX_API ITask : public IRefCounted {
 public:
     // The work, on a thread of the scheduler's; lets no exception out.
     virtual void DoTask() = 0;
-    // Asks for an early end; from any thread, at any time.
+    // Asks for an early end, which a task may come to late or never; from any thread, at any time.
     virtual void Cancel() = 0;
     // After `DoTask`, on the thread that the host takes completions on, and once.
     virtual void TaskFinished() = 0;
@@ -53,12 +53,13 @@ private:
 // The scheduler of the process.
 class OMBRIX_API IScheduler : public IRefCounted {
 public:
-    // Null when the host has none.
+    // Never null.
     static sptr_t<IScheduler> Get();
     // Whether tasks can be run at all.
     virtual bool isEnabled() const = 0;
     // Runs `task` some time and returns at once; a host without threads may run it inside the call. A task
     // whose id is that of one queued or running is dropped: it isn't run and nothing of it is heard.
+    // `task` must not be scheduled twice.
     virtual void schedule(const sptr_t<ITask>& task, const std::string& id) = 0;
 };
 

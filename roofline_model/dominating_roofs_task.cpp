@@ -15,7 +15,7 @@ DominatingRoofsTask::DominatingRoofsTask(std::shared_ptr<ISurveyingViewModel> vi
 
 // A cancellation may be overwritten here: `TaskFinished` asks for it first.
 void DominatingRoofsTask::DoTask() {
-    m_succeeded = roofline::guarded(false, [this] { return calculateDominatingTypes(); });
+    m_succeeded = !isCancelled() && roofline::guarded(false, [this] { return calculateDominatingTypes(); });
 }
 
 void DominatingRoofsTask::Cancel() {

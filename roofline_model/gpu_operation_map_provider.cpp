@@ -8,6 +8,7 @@
 
 #include <deque>
 #include <unordered_set>
+#include <utility>
 
 namespace data_models2 {
 
@@ -25,10 +26,11 @@ GpuOperationMapProvider::GpuOperationMapProvider(sptr_t<RowNode> row, sptr_t<IDa
         reportAssertion("m_row != nullptr", kUnit, __LINE__);
 }
 
-// Level by level. A row that hangs below several others is counted once.
+// Level by level. A row that hangs below several others is counted once, however often its host makes a node
+// for it.
 void GpuOperationMapProvider::initData() {
     std::deque<sptr_t<RowNode>> open{m_row};
-    std::unordered_set<const RowNode*> seen{m_row.get()};
+    std::unordered_set<std::uint64_t> seen{m_row->getId()};
     for (; !open.empty(); open.pop_front()) {
         for (auto children = dataset_helpers::getChildren(open.front()); !children.isEnd(); ++children) {
             const sptr_t<RowNode> child = *children;
@@ -36,7 +38,7 @@ void GpuOperationMapProvider::initData() {
                 reportAssertion("false", kUnit, __LINE__);
                 continue;
             }
-            if (!seen.insert(child.get()).second) continue;
+            if (!seen.insert(child->getId()).second) continue;
             addRow(child);
             open.push_back(child);
         }
@@ -48,9 +50,13 @@ void GpuOperationMapProvider::addRow(const sptr_t<RowNode>& row) {
     unsigned long long instructionType = 0;
     if (!requireData(FieldId::GpuInstructionType, instructionType, row, m_dataset)) return;
     const auto read = [&](FieldId field) { return checkData<unsigned long long>(field, 0, row, m_dataset); };
-    const OperationKey key{.instructionType = static_cast<int>(instructionType),
-                           .arithType = static_cast<ArithTypeDef>(read(FieldId::GpuArithType)),
-                           .width = read(FieldId::GpuArithWidth)};
+    // A number that doesn't fit is that of no class and no type.
+    const auto arithType = read(FieldId::GpuArithType);
+    const OperationKey key{
+        .instructionType = std::in_range<int>(instructionType) ? static_cast<int>(instructionType) : 0,
+        .arithType = std::in_range<std::uint32_t>(arithType) ? static_cast<ArithTypeDef>(arithType)
+                                                             : ArithTypeDef::None,
+        .width = read(FieldId::GpuArithWidth)};
     OperationValue& value = (*m_operationMap)[key];
     value.operationCount += checkData<double>(FieldId::GpuOperationCount, 0.0, row, m_dataset);
     value.instructionCount += checkData<double>(FieldId::GpuInstructionCount, 0.0, row, m_dataset);

@@ -67,7 +67,7 @@ std::string dataSizeText(const OperationKey& key) {
 }
 
 rabbit::object makeCount(double count, rabbit::Allocator& allocator) {
-    constexpr int kDigits = 3;
+    constexpr int kDigits = 0;
     rabbit::object result(allocator);
     result.append("value", count);
     result.append("type", "f");

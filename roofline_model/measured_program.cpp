@@ -16,9 +16,7 @@ void MeasuredProgram::setModel(std::shared_ptr<ISurveyingViewModel> viewModel) {
 }
 
 void MeasuredProgram::onLoaded(IViewModelBase::LoadType type) {
-    guarded([&] {
-        for (const LoadStep step : m_core.kind().loadSteps) take(step, type);
-    });
+    for (const LoadStep step : m_core.kind().loadSteps) guarded([&] { take(step, type); });
 }
 
 void MeasuredProgram::take(LoadStep step, IViewModelBase::LoadType type) {
@@ -46,7 +44,8 @@ void MeasuredProgram::readDevice() {
 int MeasuredProgram::memoryLevels() const { return roofline::getMemoryLevelsCount(m_viewModel); }
 
 void MeasuredProgram::loadSummaryData(int kind, const std::function<void(const std::string&)>& callback) {
-    if (kind != 0) return callback(std::string());
+    if (kind != 0 && !callback) throw std::bad_function_call();
+    if (kind != 0) return guarded([&] { callback(std::string()); });
     guarded([&] { m_dominance->loadSummaryData(callback); });
 }
 

@@ -37,7 +37,7 @@ public:
     // At least 1.
     int memoryLevels() const;
 
-    // A kind other than 0 is answered with an empty text; the only request that may throw.
+    // A kind other than 0 is answered with an empty text; it throws for an empty callback.
     void loadSummaryData(int kind, const std::function<void(const std::string&)>& callback);
     std::string getRooflineData(const sptr_t<IDataset>& first, const sptr_t<IDataset>& second,
                                 const std::string& configuration);

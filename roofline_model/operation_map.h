@@ -18,9 +18,8 @@ struct OperationKey {
     auto operator<=>(const OperationKey&) const = default;
 };
 
-// Giga units.
 struct OperationValue {
-    double operationCount = 0.0;
+    double operationCount = 0.0;  // giga operations
     double instructionCount = 0.0;
 };
 

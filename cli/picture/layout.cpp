@@ -11,6 +11,7 @@
 #include <cmath>
 #include <map>
 #include <numeric>
+#include <tuple>
 
 namespace cli::picture {
 namespace {
@@ -141,13 +142,11 @@ private:
 
     void placeRoofs() {
         const Ranges ranges{m_x.range, m_y.range};
-        std::map<bool, double> top;
-        for (const auto& roof : m_roofs) top[roof.isMemory] = std::max(top[roof.isMemory], roof.value);
         for (const auto& roof : m_roofs) {
             const auto span = roofSpan(roof, m_roofs, ranges);
             m_picture.roofs.push_back({{onScreen(span.from.x, span.from.y), onScreen(span.to.x, span.to.y)},
                                        roof.isMemory,
-                                       roof.value >= top[roof.isMemory],
+                                       roof.isSelected,
                                        roofText(roof)});
         }
     }
@@ -163,11 +162,14 @@ private:
             if (label) m_picture.labels.push_back(std::move(*label));
             return label.has_value();
         };
-        // Highest first: where two roofs coincide the first one's label stands above, the next one's below.
+        // Selected ones, then highest first: where two roofs coincide the first one's label stands above, the
+        // next one's below.
         std::vector<std::size_t> order(m_roofs.size());
         std::iota(order.begin(), order.end(), std::size_t{0});
-        std::stable_sort(order.begin(), order.end(),
-                         [&](std::size_t a, std::size_t b) { return m_roofs[a].value > m_roofs[b].value; });
+        std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+            return std::tie(m_roofs[a].isSelected, m_roofs[a].value) >
+                   std::tie(m_roofs[b].isSelected, m_roofs[b].value);
+        });
         for (const auto i : order) {
             const auto& roof = m_picture.roofs[i];
             if (!keep(placer.placeOnRoof(roof.hover, i, !roof.isMemory))) m_unlabelled.push_back(roof.hover);

@@ -18,7 +18,7 @@ struct Axis {
 struct RoofLine {
     Segment line;
     bool isMemory = false;
-    bool isOuter = false;  // the highest of its kind: the edge of what the machine can do
+    bool isSelected = false;
     std::string hover;
 };
 

@@ -8,8 +8,8 @@ namespace cli {
 
 std::string drawChart(const std::string& documentJson, const std::string& roofsJson,
                       const std::vector<UnplacedRows>& unplaced, const PictureOptions& options) {
-    return picture::toSvg(
-        picture::layOut(parseChartDocument(documentJson), parseRoofs(roofsJson), unplaced, options));
+    const auto roofs = chooseRoofs(parseRoofs(roofsJson), options.selectedRoofs);
+    return picture::toSvg(picture::layOut(parseChartDocument(documentJson), roofs, unplaced, options));
 }
 
 }  // namespace cli

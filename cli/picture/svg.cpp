@@ -26,7 +26,7 @@ text { fill: #2b3440 }
 .roof { stroke-linecap: round; stroke-width: 1.3; fill: none }
 .memory { stroke: #3d5a80 }
 .compute { stroke: #7a5230 }
-.outer { stroke-width: 2.6 }
+.selected { stroke-width: 2.6 }
 .label { font-size: 12px; text-anchor: middle; paint-order: stroke; stroke: #ffffff; stroke-width: 3px;
   stroke-linejoin: round }
 .label.memory { fill: #2f4a6d }
@@ -111,7 +111,7 @@ private:
         for (const auto& roof : picture.roofs)
             add(R"(<line class="roof {}{}" x1="{:.2f}" y1="{:.2f}" x2="{:.2f}" y2="{:.2f}">)"
                 R"(<title>{}</title></line>)",
-                roof.isMemory ? "memory" : "compute", roof.isOuter ? " outer" : "", roof.line.from.x,
+                roof.isMemory ? "memory" : "compute", roof.isSelected ? " selected" : "", roof.line.from.x,
                 roof.line.from.y, roof.line.to.x, roof.line.to.y, escapeXml(roof.hover));
     }
 

@@ -3,6 +3,7 @@
 
 #include "host_interfaces/host_functions.h"
 
+#include "embedded_host/result/own_roofs.h"
 #include "embedded_host/services/roof_configuration.h"
 
 #include <algorithm>
@@ -23,10 +24,10 @@ bool isNearer(const MeasuredRoof& a, const MeasuredRoof& b, int subDevices) {
     return fits ? first > second : first < second;
 }
 
-class GpuRoofTable final : public IRoofManager {
+class GpuRoofTable final : public IOwnRoofsTable {
 public:
     GpuRoofTable(std::shared_ptr<const Machine> machine, int subDevices)
-        : m_machine(std::move(machine)), m_subDevices(subDevices) {}
+        : m_machine(std::move(machine)), m_subDevices(subDevices), m_own(m_machine) {}
 
     generic_iterator_t<RoofItem> getRoofs(const std::string& configuration) const override {
         GpuRoofConfiguration wanted;  // for an empty text: everything
@@ -35,7 +36,9 @@ public:
             if (!parsed) return {};
             wanted = *parsed;
         }
-        auto roofs = selectGpuRoofs(*m_machine, wanted.usage == TileUsage::Single ? 1 : m_subDevices);
+        const auto key = keyOf(wanted.usage);
+        auto roofs = selectGpuRoofs(*m_machine, key.packageCount);
+        m_own.apply(roofs, key);
         if (wanted.operations == OperationsType::Float || wanted.operations == OperationsType::Int) {
             std::erase_if(roofs, [&](const RoofItem& roof) {
                 return !(roof.typeBits & RoofItem::Memory) &&
@@ -45,14 +48,26 @@ public:
         return makeIterator(std::move(roofs));
     }
 
-    bool setCustomRoofValues(const std::map<RoofId, std::uint64_t>&, const std::string&) override {
-        return false;
+    bool setCustomRoofValues(const std::map<RoofId, std::uint64_t>& values,
+                             const std::string& configuration) override {
+        const auto parsed = parseGpuRoofConfiguration(configuration);
+        return parsed && m_own.set(values, keyOf(parsed->usage));
     }
-    bool clearCustomRoofValues(const std::string&) override { return false; }
+    bool clearCustomRoofValues(const std::string& configuration) override {
+        const auto parsed = parseGpuRoofConfiguration(configuration);
+        return parsed && m_own.clear(keyOf(parsed->usage));
+    }
+    std::string fault() const override { return m_own.fault(); }
 
 private:
+    // Own values are told apart by the number of sub-devices alone.
+    RoofThreadingFeatures keyOf(TileUsage usage) const {
+        return {.threadCount = 1, .packageCount = usage == TileUsage::Single ? 1 : m_subDevices};
+    }
+
     const std::shared_ptr<const Machine> m_machine;
     const int m_subDevices;
+    OwnRoofs m_own;
 };
 
 }  // namespace
@@ -70,10 +85,6 @@ std::vector<RoofItem> selectGpuRoofs(const Machine& machine, int subDevices) {
         if (measured != subDevices && item.memoryLevel != MemoryLevel::Xli) {
             const double value = std::round(static_cast<double>(item.value) * subDevices / measured);
             item.value = static_cast<std::uint64_t>(std::clamp(value, 1.0, 1e19));
-        }
-        for (const auto& custom : machine.custom) {
-            if (custom.item.id == item.id && custom.features.packageCount == subDevices)
-                item.value = custom.item.value;
         }
         result.push_back(std::move(item));
     }

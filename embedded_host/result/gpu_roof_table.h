@@ -13,12 +13,12 @@ namespace embedded_host {
 // The roofs of `machine` for a number of sub-devices (its `packages`), one per id, ascending by id. A value
 // measured for exactly that number is taken as it is; otherwise that of the next smaller number, else of the
 // smallest, grows or shrinks with the number: each sub-device has its own units, caches and memory. The
-// external link is shared and stays. Threads and strategies don't count. A value of the user's own for
-// exactly that number wins.
+// external link is shared and stays. Threads and strategies don't count. Own values of the user aren't taken
+// here.
 std::vector<data_models2::RoofItem> selectGpuRoofs(const Machine& machine, int subDevices);
 
-// `subDevices` is what all sub-devices stand for, at least 1. Own values of roofs are read from the file
-// only.
+// `subDevices` is what all sub-devices stand for, at least 1. Own values of roofs hold for their number of
+// sub-devices and are kept in the machine's file.
 std::shared_ptr<data_models2::IRoofManager> makeGpuRoofTable(std::shared_ptr<const Machine> machine,
                                                              int subDevices);
 

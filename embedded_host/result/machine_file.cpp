@@ -8,7 +8,6 @@
 #include <fmt/format.h>
 
 #include <cctype>
-#include <cmath>
 #include <tuple>
 
 namespace embedded_host {
@@ -41,7 +40,6 @@ constexpr auto kArithTypes = std::to_array<ArithTypeExtDef>(
      ArithTypeExtDef::Int8, ArithTypeExtDef::Int16, ArithTypeExtDef::Int32, ArithTypeExtDef::Int64});
 static_assert(kLevelNames.size() == kLevels.size() && kArithNames.size() == kArithTypes.size());
 
-constexpr std::uint64_t kMaxThreads = 1'000'000;
 constexpr std::string_view kSingleNode = "(singlenode)";  // behind the caption of a roof of one NUMA node
 
 // The form in which roof names are compared: lower case, no white space.
@@ -176,6 +174,7 @@ private:
         roof.item.id = wanted;
         roof.item.value = readValue(value, amount, unit, base->item.typeBits & RoofItem::Memory);
         roof.features = readFeatures(threads, packages, strategy);
+        roof.features.threadCount = evenThreads(roof.features.threadCount);
         m_machine.custom.push_back(std::move(roof));
     }
 
@@ -185,20 +184,13 @@ private:
         m_file.need(roof, amount, "value");
         m_file.need(roof, unit, "unit");
         const auto name = m_file.text(*unit);
-        const auto parsed = parseRoofUnit(name);
-        if (!parsed) {
-            const bool isBits = name.find("b/s") != std::string_view::npos;
-            m_file.refuse(*unit,
-                          std::string(kRoofUnitForm) + (isBits ? " (b stands for bits, B for bytes)" : ""));
-        }
-        if (parsed->isMemory != isMemory) {
-            m_file.refuse(*unit, isMemory ? "bytes per second, such as GB/s, for a memory roof"
-                                          : "operations per second, such as GFLOP/s, for a compute roof");
-        }
-        constexpr double limit = 1e19;  // below the end of 64 bits
-        const double value = std::round(m_file.amount(*amount) * parsed->factor);
-        if (value < 1.0 || value > limit) m_file.refuse(*amount, "a value from 1 to 1e19 per second");
-        return static_cast<std::uint64_t>(value);
+        if (const auto expected = expectedRoofUnit(name, isMemory); !expected.empty())
+            m_file.refuse(*unit, expected);
+        const auto parsed = *parseRoofUnit(name);
+        const auto value = toRoofValue(m_file.amount(*amount), parsed);
+        if (!value) m_file.refuse(*amount, "a value from 1 to 1e19 per second");
+        // A double may lack the last digits of a large number.
+        return parsed.factor == 1.0 && amount->IsUint64() ? amount->GetUint64() : *value;
     }
 
     RoofThreadingFeatures readFeatures(const JsonValue* threads, const JsonValue* packages,
@@ -241,7 +233,9 @@ Machine readMachine(const JsonFile& file, const JsonValue& value) { return Machi
 
 Machine openMachine(const std::string& path) {
     const JsonFile file(path, readFile(path));
-    return readMachine(file, file.root());
+    auto machine = readMachine(file, file.root());
+    machine.file = path;
+    return machine;
 }
 
 }  // namespace embedded_host

@@ -17,14 +17,24 @@ struct MeasuredRoof {
     data_models2::RoofThreadingFeatures features;
 };
 
+inline constexpr int kMaxThreads = 1'000'000;
+
+// Own values are kept for one or an even number of threads, as roofs are asked for rows: odd numbers above 1
+// are taken as the next even one.
+constexpr int evenThreads(int threads) {
+    return threads > 1 && threads < kMaxThreads ? threads + threads % 2 : threads;
+}
+
 struct Machine {
+    std::string file;  // that it was read from; empty when it stands in a result
     std::string name;
     int logicalCores = 0;   // 0: unknown
     int physicalCores = 0;  // 0: unknown
     int packages = 0;       // 0: unknown
     std::vector<MeasuredRoof> roofs;
-    std::vector<MeasuredRoof>
-        custom;  // the user's own values, of roofs that `roofs` has; the names are empty
+    // The user's own values, in the order of the file, of roofs that `roofs` has; the names are empty and
+    // thread counts are even or 1.
+    std::vector<MeasuredRoof> custom;
     std::optional<data_models2::GpuDeviceProperties> device;  // whose roofs these are
 };
 

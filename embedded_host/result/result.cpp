@@ -3,6 +3,7 @@
 
 #include "embedded_host/embedded_host.h"
 #include "embedded_host/result/gpu_view_model.h"
+#include "embedded_host/result/own_roofs.h"
 #include "embedded_host/result/view_model.h"
 
 #include <filesystem>
@@ -14,10 +15,17 @@ using namespace data_models2;
 
 class LoadedResult final : public Result {
 public:
-    LoadedResult(ResultKind kind, std::shared_ptr<ISurveyingViewModel> viewModel, std::string machineName)
-        : m_kind(kind), m_viewModel(std::move(viewModel)), m_machineName(std::move(machineName)) {}
+    LoadedResult(ResultKind kind, std::shared_ptr<ISurveyingViewModel> viewModel,
+                 std::shared_ptr<const Machine> machine)
+        : m_kind(kind), m_viewModel(std::move(viewModel)), m_machine(std::move(machine)) {}
     ResultKind kind() const override { return m_kind; }
-    std::string machineName() const override { return m_machineName; }
+    std::string machineName() const override { return m_machine->name; }
+    std::string machineFile() const override { return m_machine->file; }
+    std::string ownRoofsFault() const override {
+        const auto table =
+            m_viewModel->getRoofManager(m_kind == ResultKind::Gpu ? DataType::Gpu : DataType::Cpu);
+        return table ? embedded_host::ownRoofsFault(*table) : std::string();
+    }
     std::shared_ptr<ISurveyingViewModel> viewModel() const override { return m_viewModel; }
     void load(IViewModelBase::LoadType type) override {
         m_viewModel->onSurveyResultLoaded().raise(type, m_viewModel->getResultDirectory());
@@ -26,7 +34,7 @@ public:
 private:
     const ResultKind m_kind;
     const std::shared_ptr<ISurveyingViewModel> m_viewModel;
-    const std::string m_machineName;
+    const std::shared_ptr<const Machine> m_machine;
 };
 
 // A machine without roofs when none is known.
@@ -50,7 +58,8 @@ std::shared_ptr<Result> parseResult(const std::string& text, const std::string& 
     auto machine = std::make_shared<const Machine>(findMachine(result, path, options));
     const auto kind = result.kind;
     const auto make = kind == ResultKind::Gpu ? makeGpuViewModel : makeViewModel;
-    return std::make_shared<LoadedResult>(kind, make(std::move(result), machine, path), machine->name);
+    auto viewModel = make(std::move(result), machine, path);
+    return std::make_shared<LoadedResult>(kind, std::move(viewModel), std::move(machine));
 }
 
 std::shared_ptr<Result> openResult(const std::string& path, const OpenOptions& options) {

@@ -3,6 +3,7 @@
 
 #include "host_interfaces/host_functions.h"
 
+#include "embedded_host/result/own_roofs.h"
 #include "embedded_host/services/roof_configuration.h"
 
 #include <algorithm>
@@ -67,32 +68,43 @@ RoofItem chooseRoof(const Roofs& roofs, const Demand& demand) {
     return item;
 }
 
-class RoofTable final : public IRoofManager {
+class RoofTable final : public IOwnRoofsTable {
 public:
     RoofTable(std::shared_ptr<const Machine> machine, int usedThreads)
-        : m_machine(std::move(machine)), m_usedThreads(usedThreads) {}
+        : m_machine(std::move(machine)), m_usedThreads(usedThreads), m_own(m_machine) {}
 
     generic_iterator_t<RoofItem> getRoofs(const std::string& configuration) const override {
         RoofConfiguration wanted;  // for an empty text: everything
         wanted.perspective = IRooflineInfo::Perspective::NotVectorized;
-        wanted.features.packageCount = std::max(1, m_machine->packages);
+        wanted.features = {.threadCount = m_usedThreads, .packageCount = std::max(1, m_machine->packages)};
         if (!configuration.empty()) {
-            const auto parsed = parseCpuRoofConfiguration(configuration);
+            const auto parsed = parse(configuration);
             if (!parsed) return {};
             wanted = *parsed;
         }
-        if (wanted.features.threadCount <= 0) wanted.features.threadCount = m_usedThreads;
         auto roofs = selectRoofs(*m_machine, wanted.features);
+        m_own.apply(roofs, wanted.features);
         std::erase_if(roofs, [&](const RoofItem& roof) { return !isShown(roof, wanted); });
         return makeIterator(std::move(roofs));
     }
 
-    bool setCustomRoofValues(const std::map<RoofId, std::uint64_t>&, const std::string&) override {
-        return false;
+    bool setCustomRoofValues(const std::map<RoofId, std::uint64_t>& values,
+                             const std::string& configuration) override {
+        const auto parsed = parse(configuration);
+        return parsed && m_own.set(values, parsed->features);
     }
-    bool clearCustomRoofValues(const std::string&) override { return false; }
+    bool clearCustomRoofValues(const std::string& configuration) override {
+        const auto parsed = parse(configuration);
+        return parsed && m_own.clear(parsed->features);
+    }
+    std::string fault() const override { return m_own.fault(); }
 
 private:
+    std::optional<RoofConfiguration> parse(const std::string& configuration) const {
+        auto parsed = parseCpuRoofConfiguration(configuration);
+        if (parsed && parsed->features.threadCount <= 0) parsed->features.threadCount = m_usedThreads;
+        return parsed;
+    }
     static bool isShown(const RoofItem& roof, const RoofConfiguration& wanted) {
         if ((roof.typeBits & RoofItem::OnlyNotVectorized) &&
             wanted.perspective != IRooflineInfo::Perspective::NotVectorized) {
@@ -106,6 +118,7 @@ private:
 
     const std::shared_ptr<const Machine> m_machine;
     const int m_usedThreads;
+    OwnRoofs m_own;
 };
 
 }  // namespace
@@ -128,14 +141,7 @@ std::vector<RoofItem> selectRoofs(const Machine& machine, const RoofThreadingFea
                         .scales = !useMarked};
     std::vector<RoofItem> result;
     for (const auto& [key, roofs] : measurements) {
-        auto item = chooseRoof(roofs, demand);
-        const auto own = std::find_if(machine.custom.begin(), machine.custom.end(), [&](const auto& custom) {
-            return custom.item.id == item.id && custom.features.threadCount == threads &&
-                   custom.features.strategy == features.strategy &&
-                   custom.features.packageCount == features.packageCount;
-        });
-        if (own != machine.custom.end()) item.value = own->item.value;
-        result.push_back(std::move(item));
+        result.push_back(chooseRoof(roofs, demand));
     }
     return result;
 }

@@ -55,7 +55,7 @@ void Scheduler::work(const std::stop_token& stopped) {
         lock.unlock();
         runStep([&] { job.task->DoTask(); });
         lock.lock();
-        std::erase_if(m_running, [&job](const Job& running) { return running.task == job.task; });
+        std::erase_if(m_running, [&job](const Job& running) { return running.id == job.id; });
         m_done.push_back(job.task);
         m_jobDone.notify_all();
     }
@@ -65,30 +65,40 @@ bool Scheduler::pump(std::chrono::milliseconds limit) {
     const auto end = std::chrono::steady_clock::now() + limit;
     std::unique_lock lock(m_mutex);
     for (;;) {
-        while (!m_done.empty()) {
-            const auto task = std::move(m_done.front());
-            m_done.pop_front();
-            lock.unlock();
-            runStep([&] { task->TaskFinished(); });
-            lock.lock();
-        }
-        if (m_queue.empty() && m_running.empty()) return true;
-        if (!m_jobDone.wait_until(lock, end, [this] { return !m_done.empty(); })) return false;
+        if (!m_jobDone.wait_until(lock, end, [this] { return !m_done.empty() || isIdle(); })) return false;
+        if (m_done.empty()) return true;
+        auto task = std::move(m_done.front());
+        m_done.pop_front();
+        ++m_delivering;
+        lock.unlock();
+        runStep([&] { task->TaskFinished(); });
+        task.reset();  // which may end a whole result: not under the lock
+        lock.lock();
+        --m_delivering;
+        m_jobDone.notify_all();
     }
 }
 
+// Tasks are cancelled and dropped outside the lock: what belongs to them may ask the scheduler.
 void Scheduler::stop() {
     std::vector<std::jthread> threads;
+    std::deque<sptr_t<ITask>> dropped;
     {
         const std::lock_guard lock(m_mutex);
-        for (const auto& job : m_running) job.task->Cancel();
+        for (const auto& job : m_running) dropped.push_back(job.task);
+        for (const auto& job : m_queue) dropped.push_back(job.task);
         m_queue.clear();
         threads.swap(m_threads);
-        for (auto& thread : threads) thread.request_stop();
     }
+    for (const auto& task : dropped) runStep([&task] { task->Cancel(); });
+    for (auto& thread : threads) thread.request_stop();
     threads.clear();  // joins
-    const std::lock_guard lock(m_mutex);
-    m_done.clear();
+    dropped.clear();
+    {
+        const std::lock_guard lock(m_mutex);
+        dropped.swap(m_done);
+    }
+    m_jobDone.notify_all();
 }
 
 Scheduler& theScheduler() {

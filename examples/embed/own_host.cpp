@@ -1,6 +1,7 @@
 // A host of one's own at its smallest: the functions that a host defines, without result or messages. It
 // links nothing of the embedded host; docs/embedding.md tells what a whole host brings.
 #include "host_interfaces/host_functions.h"
+#include "host_interfaces/tasks.h"
 
 #include "roofline_model/factories.h"
 
@@ -22,6 +23,14 @@ std::string double2str(double value, const std::string&, int, double) { return s
 std::string int2str(long long value) { return std::to_string(value); }
 bool loadBag(const std::string&, variant_bag_t&) { return false; }
 std::string saveBag(const variant_bag_t&) { return "{}"; }
+sptr_t<IScheduler> IScheduler::Get() {
+    class Idle final : public RefCounted<IScheduler> {
+        bool isEnabled() const override { return false; }
+        void schedule(const sptr_t<ITask>&, const std::string&) override {}
+    };
+    static const sptr_t<IScheduler> scheduler(new Idle);
+    return scheduler;
+}
 InstructionMix getInstructionMixMap(const sptr_t<RowNode>&, const sptr_t<IDataset>&) { return {}; }
 
 namespace isa_helpers {

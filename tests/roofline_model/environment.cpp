@@ -13,6 +13,7 @@ class Environment final : public testing::Environment {
 public:
     void SetUp() override {
         embedded_host::setUpLogging(false);
+        embedded_host::setTaskThreads(0);  // view models of tests change under way
         auto folder = (std::filesystem::temp_directory_path() / "roofline-XXXXXX").string();
         m_folder = mkdtemp(folder.data());
         std::filesystem::create_directory(m_folder / "messages");

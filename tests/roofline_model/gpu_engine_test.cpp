@@ -65,6 +65,7 @@ public:
     }
     // The host takes the completion of the task that follows, too.
     void load(LoadType type = LoadType::Result) {
+        const RunningTasks tasks;
         loaded.raise(type, "");
         EXPECT_TRUE(embedded_host::pumpTasks(std::chrono::seconds(60)));
     }

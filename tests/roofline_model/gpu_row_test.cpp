@@ -182,15 +182,15 @@ TEST(GpuRow, AKernelTellsItsLevelsItsOperationsAndItsInstructions) {
     EXPECT_EQ(text, R"(3 at 2 below 0,9 at 4 below 0,11 at 4 below 25,
 roofName=hbm value=25
 roofName=fma value=100
-name=Atomic showDataType=false enableInstructionMix=false operationCount={"value":3.0,"type":"f","digits":3}
+name=Atomic showDataType=false enableInstructionMix=false operationCount={"value":3.0,"type":"f","digits":0}
 instruction=SLM Atomic dataType={"id":4,"title":"Float 32"} dataSize={"value":32,"formattedValue":"SP"}
-name=Compute showDataType=true enableInstructionMix=false operationCount={"value":0.0,"type":"f","digits":3}
+name=Compute showDataType=true enableInstructionMix=false operationCount={"value":0.0,"type":"f","digits":0}
 instruction=Basic dataType={"id":2,"title":"Integer 32"} dataSize={"value":32,"formattedValue":"32"}
 instruction=FMA dataType={"id":3,"title":"Float 64"} dataSize={"value":64,"formattedValue":"DP"}
 instruction=Math dataType={"id":1,"title":"Integer and Float"} dataSize={"value":16,"formattedValue":"16"}
-name=Memory showDataType=false enableInstructionMix=false operationCount={"value":2.0,"type":"f","digits":3}
+name=Memory showDataType=false enableInstructionMix=false operationCount={"value":2.0,"type":"f","digits":0}
 instruction=Load dataType={"id":0,"title":""} dataSize={"value":0,"formattedValue":"0"}
-name=Other showDataType=false enableInstructionMix=false operationCount={"value":1.0,"type":"f","digits":3}
+name=Other showDataType=false enableInstructionMix=false operationCount={"value":1.0,"type":"f","digits":0}
 instruction=Not Classified dataType={"id":77,"title":""} dataSize={"value":8,"formattedValue":"8"})");
 }
 

@@ -289,6 +289,18 @@ inline std::shared_ptr<ViewModel> makeViewModel(const sptr_t<IDataset>& self,
     return viewModel;
 }
 
+// Lets background tasks run while it lives; else none does, since view models of tests change under way.
+class RunningTasks {
+public:
+    RunningTasks() { embedded_host::setTaskThreads(2); }
+    ~RunningTasks() {
+        embedded_host::stopTasks();
+        embedded_host::setTaskThreads(0);
+    }
+    RunningTasks(const RunningTasks&) = delete;
+    RunningTasks& operator=(const RunningTasks&) = delete;
+};
+
 // Collects the assertions that are reported while it lives.
 class Assertions {
 public:
