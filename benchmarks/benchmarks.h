@@ -4,4 +4,6 @@
 int runChartBenchmark();
 int runDominanceBenchmark();
 int runRowBenchmark();
+int runCompareBenchmark();
+int runFilterBenchmark();
 int runRocprofBenchmark();

@@ -1,4 +1,4 @@
-// Runs all benchmarks, or the one named: chart, dominance, rows, rocprof.
+// Runs all benchmarks, or the one named: chart, dominance, rows, compare, filter, rocprof.
 #include "embedded_host/embedded_host.h"
 
 #include "benchmarks/benchmarks.h"
@@ -12,6 +12,8 @@ int main(int argc, char** argv) {
     if (only.empty() || only == "chart") failures += runChartBenchmark();
     if (only.empty() || only == "dominance") failures += runDominanceBenchmark();
     if (only.empty() || only == "rows") failures += runRowBenchmark();
+    if (only.empty() || only == "compare") failures += runCompareBenchmark();
+    if (only.empty() || only == "filter") failures += runFilterBenchmark();
     if (only.empty() || only == "rocprof") failures += runRocprofBenchmark();
     return failures;
 }

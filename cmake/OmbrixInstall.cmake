@@ -19,6 +19,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/host_interfaces DESTINATION ${include_fo
 install(FILES ${PROJECT_SOURCE_DIR}/embedded_host/embedded_host.h DESTINATION ${include_folder}/embedded_host)
 install(FILES ${PROJECT_SOURCE_DIR}/roofline_model/factories.h ${PROJECT_SOURCE_DIR}/roofline_model/report_helpers.h
         DESTINATION ${include_folder}/roofline_model)
+install(FILES ${PROJECT_SOURCE_DIR}/results_comparer/factories.h DESTINATION ${include_folder}/results_comparer)
 
 file(GLOB schemas CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.schema.json)
 install(FILES ${schemas} DESTINATION ${share_folder}/schemas)

@@ -50,6 +50,11 @@ OMBRIX_API std::string toText(const variant_t& value);
 OMBRIX_API std::string double2str(double value, const std::string& unit, int precision, double smallest);
 OMBRIX_API std::string int2str(long long value);
 
+// The pieces of `text` between occurrences of `delimiter`, empty pieces too; none of an empty text. `flags`
+// is 0.
+OMBRIX_API std::vector<std::string> split_string(const std::string& text, const std::string& delimiter,
+                                                 int flags);
+
 // A bag from and to JSON. Non-negative integers become kind 7 (larger ones 9), negative ones 6 or 8, other
 // numbers doubles; an array is a bag of "item" children beside "arrayOf". Loading is false, with `bag` as it
 // was, for a text that is no JSON object or nested deeper than a bag can safely be. Saving writes the first
@@ -66,7 +71,23 @@ namespace isa_helpers {
 // The largest width in bits among the types of a base name ("int", "float") in a lower-case text of data
 // types, such as "float32, int64"; 0 when there is none.
 OMBRIX_API unsigned getTypeMaxWidth(const std::string& text, const std::string& base);
+// How long the vectors of an instruction set are. The unit is the host's: lengths are only compared.
+OMBRIX_API long long getVectorLength(const std::string& isa);
 }  // namespace isa_helpers
+
+namespace tripcounts_helpers {
+// How often a loop's body ran each time that the loop was entered.
+struct SourceTripCountsData {
+    struct Summand {
+        sptr_t<const IRefCounted> object;  // the host's
+    };
+    std::vector<Summand> summands;
+    std::int64_t median = 0;
+};
+// False, with `data` left alone, when the row has no trip counts. `field` is FieldId::TripCounts.
+OMBRIX_API bool getSourceTripCounts(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset,
+                                    FieldId field, SourceTripCountsData& data);
+}  // namespace tripcounts_helpers
 
 namespace roof {
 // Float for a compute roof of a float type, Int for an integer type, Undefined for a memory roof and a type

@@ -46,9 +46,13 @@ enum class DataType : int {
 
 // Bits of a row's type. Only those that the library or this host tests have a name.
 namespace row_type {
+inline constexpr std::uint64_t kLoop = 0x4;  // a row without it is a function
 inline constexpr std::uint64_t kHidden = 0x8;
+inline constexpr std::uint64_t kLoopSubRow =
+    0x8;  // the same bit: such a row counts one nesting level too many
 inline constexpr std::uint64_t kVectorized = 0x100;
 inline constexpr std::uint64_t kNotExecuted = 0x400;
+inline constexpr std::uint64_t kUnrolledChild = 0x800;  // a part that unrolling made of the row above it
 inline constexpr std::uint64_t kGpuTask = 0x1000000;
 }  // namespace row_type
 

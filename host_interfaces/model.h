@@ -67,6 +67,18 @@ public:
     virtual std::uint64_t getObjectId(const sptr_t<RowNode>& row) const = 0;
 };
 
+// Finds rows by what they have to do with each other, across the datasets of one result.
+class OMBRIX_API IRowNavigator : public IRefCounted {
+public:
+    // The rows below `row`, one level, in the order of the result.
+    static constexpr int kRowsBelow = 2;
+
+    // Sequences of the rows that stand in `relation` to `row`; they are rows of the dataset that `row` is of.
+    // `from` and `depth` are 1 and 1. Empty for a null or foreign row and a relation that isn't known.
+    virtual generic_iterator_t<RowIterator> getRelatedRows(int relation, const sptr_t<RowNode>& row, int from,
+                                                           int depth) const = 0;
+};
+
 // Leads from a row of one dataset to the same row in another one.
 class OMBRIX_API IDatasetRowLinker {
 public:
@@ -142,6 +154,8 @@ public:
     virtual double getTotalTime() const = 0;
     // Bits of `collected_data`.
     virtual std::uint64_t getCollectedDataFlags() const = 0;
+    // Null when the host can't find related rows: what needs them then stays out of a comparison.
+    virtual sptr_t<IRowNavigator> getRowNavigator() const { return {}; }
 
     // What GPU results have beside; a result of another kind leaves the answers as they are here.
     // The device of a target; nothing when none is known.

@@ -34,6 +34,8 @@ PUBLIC_FACE = ["host_interfaces/", "embedded_host/embedded_host.h", "roofline_mo
                "roofline_model/report_helpers.h", "results_comparer/factories.h"]
 FOLDERS = {
     "embedded_host/": ["host_interfaces/"],
+    "results_comparer/": ["host_interfaces/"] + [f"roofline_model/{name}." for name in
+                          ("row_data_access", "translation", "logging", "guard")],
     "cli/": PUBLIC_FACE,
     "examples/": PUBLIC_FACE,
     "benchmarks/": PUBLIC_FACE,

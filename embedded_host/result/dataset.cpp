@@ -118,6 +118,8 @@ public:
     sptr_t<RowNode> row(std::size_t place) const { return part<RowNode>(m_rows[place]); }
     // The rows of [first, end) that aren't below another row of the range.
     RowIterator rows(std::size_t first, std::size_t end) const;
+    // The rows one level below `row` in the file, whatever the order of this dataset; none for a foreign row.
+    std::vector<sptr_t<RowNode>> rowsBelow(const sptr_t<RowNode>& row) const;
 
 private:
     // Interfaces take nodes that aren't const; a part has nothing that could be changed.
@@ -153,6 +155,28 @@ private:
 RowIterator Dataset::rows(std::size_t first, std::size_t end) const {
     return RowIterator(std::make_unique<RowSource>(*this, first, end));
 }
+
+std::vector<sptr_t<RowNode>> Dataset::rowsBelow(const sptr_t<RowNode>& above) const {
+    std::vector<sptr_t<RowNode>> below;
+    const auto place = placeOf(m_rows, above.get());
+    if (place >= m_rows.size()) return below;
+    for (auto next = place + 1; next < m_table->ends[place]; next = m_table->ends[next])
+        below.push_back(row(next));
+    return below;
+}
+
+class RowNavigator final : public RefCounted<IRowNavigator> {
+public:
+    explicit RowNavigator(sptr_t<const Dataset> dataset) : m_dataset(std::move(dataset)) {}
+    generic_iterator_t<RowIterator> getRelatedRows(int relation, const sptr_t<RowNode>& row, int,
+                                                   int) const override {
+        if (relation != kRowsBelow) return {};
+        return makeIterator(std::vector<RowIterator>{makeIterator(m_dataset->rowsBelow(row))});
+    }
+
+private:
+    const sptr_t<const Dataset> m_dataset;
+};
 
 template <class Specification>
 void Part<Specification>::addRef() const noexcept {
@@ -224,6 +248,10 @@ std::shared_ptr<IDatasetRowLinker> makeRowLinker(const sptr_t<IDataset>& target)
 
 sptr_t<IDataset> makeDataset(std::shared_ptr<const RowTable> table, DataType type, RowOrder order) {
     return sptr_t<IDataset>(new Dataset(std::move(table), type, order));
+}
+
+sptr_t<IRowNavigator> makeRowNavigator(const sptr_t<IDataset>& dataset) {
+    return sptr_t<IRowNavigator>(new RowNavigator(&static_cast<const Dataset&>(*dataset)));
 }
 
 }  // namespace embedded_host

@@ -15,6 +15,10 @@ enum class RowOrder { Flat, Tree };  // all rows at the top, or the file's tree
 data_models2::sptr_t<data_models2::IDataset> makeDataset(std::shared_ptr<const RowTable> table,
                                                          data_models2::DataType type, RowOrder order);
 
+// Finds rows below rows of `dataset`, which `makeDataset` made; keeps it alive.
+data_models2::sptr_t<data_models2::IRowNavigator> makeRowNavigator(
+    const data_models2::sptr_t<data_models2::IDataset>& dataset);
+
 // Leads to the rows of `target`, which `makeDataset` made; null for any other dataset.
 std::shared_ptr<data_models2::IDatasetRowLinker> makeRowLinker(
     const data_models2::sptr_t<data_models2::IDataset>& target);

@@ -41,6 +41,7 @@ public:
     int getPackageCount() const override { return m_machine->packages; }
     double getTotalTime() const override { return m_totalTime; }
     std::uint64_t getCollectedDataFlags() const override { return m_result.collected; }
+    sptr_t<IRowNavigator> getRowNavigator() const override { return makeRowNavigator(m_flat); }
 
 private:
     const ResultFile m_result;

@@ -31,11 +31,19 @@ sptr_t<IScheduler> IScheduler::Get() {
     static const sptr_t<IScheduler> scheduler(new Idle);
     return scheduler;
 }
+std::vector<std::string> split_string(const std::string&, const std::string&, int) { return {}; }
 InstructionMix getInstructionMixMap(const sptr_t<RowNode>&, const sptr_t<IDataset>&) { return {}; }
 
 namespace isa_helpers {
 unsigned getTypeMaxWidth(const std::string&, const std::string&) { return 0; }
+long long getVectorLength(const std::string&) { return 1; }
 }  // namespace isa_helpers
+
+namespace tripcounts_helpers {
+bool getSourceTripCounts(const sptr_t<RowNode>&, const sptr_t<IDataset>&, FieldId, SourceTripCountsData&) {
+    return false;
+}
+}  // namespace tripcounts_helpers
 
 namespace roof {
 OperationsType getOperationsType(const RoofItem&) { return OperationsType::Float; }
