@@ -16,7 +16,7 @@ struct Console {
     std::istream* in = nullptr;  // null: empty
 };
 
-enum ExitCode : int { kDone = 0, kNoAnswer = 1, kUsage = 2, kCancelled = 130 };
+enum ExitCode : int { kDone = 0, kNoAnswer = 1, kUsage = 2, kGate = 3, kCancelled = 130 };
 
 // The command line asks for something that can't be meant; ends with kUsage.
 class UsageError : public std::runtime_error {

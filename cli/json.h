@@ -1,7 +1,10 @@
-// Reading of the library's JSON texts: what is missing or of another type reads as absent.
+// Reading of the library's JSON texts: what is missing or of another type reads as absent; and the writer of
+// the program's own.
 #pragma once
 
 #include <rapidjson/document.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
 
 #include <optional>
 #include <string>
@@ -10,6 +13,7 @@
 namespace cli::json {
 
 using Value = rapidjson::Value;
+using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
 
 // Throws std::runtime_error, which names the text as `what`.
 rapidjson::Document parse(const std::string& text, std::string_view what);

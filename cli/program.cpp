@@ -4,6 +4,7 @@
 #include "embedded_host/embedded_host.h"
 
 #include "cli/answer.h"
+#include "cli/help_texts.h"
 #include "cli/progress.h"
 #include "cli/requests.h"
 #include "cli/text.h"
@@ -49,12 +50,29 @@ void addOutputs(CLI::App& command, Outputs& outputs, const char* bare) {
                      std::string("print a readable table; without any output: ") + bare);
 }
 
-void addSource(CLI::App& command, ResultSource& source) {
-    command.add_option("RESULT", source.file, "result file")->required()->type_name("");
+void addMachineAndLanguage(CLI::App& command, ResultSource& source) {
     command.add_option("--machine", source.machine, "machine file in place of the result's own")
         ->type_name("FILE");
     command.add_option("--language", source.language, "language of the library's texts, such as en")
         ->type_name("LANGUAGE");
+}
+
+void addSource(CLI::App& command, ResultSource& source) {
+    command.add_option("RESULT", source.file, "result file")->required()->type_name("");
+    addMachineAndLanguage(command, source);
+}
+
+void addPicture(CLI::App& command, Outputs& outputs) {
+    command.add_option("--svg", outputs.svg, "write a picture to FILE, or to stdout for -")
+        ->type_name("FILE");
+}
+
+void addChoice(CLI::App& command, const char* name, std::string& value, const char* what,
+               const std::vector<std::string>& values) {
+    command.add_option(name, value, what)
+        ->check(CLI::IsMember(values).description(""))
+        ->type_name(CLI::detail::join(values, "|"))
+        ->capture_default_str();
 }
 
 void addThreads(CLI::App& command, RoofChoice& roofs) {
@@ -84,19 +102,6 @@ void addConfiguration(CLI::App& command, std::optional<std::string>& configurati
                     "option values joined with '-', such as f-L1-all; default: the options' defaults")
         ->type_name("CONFIG");
 }
-
-constexpr auto kSummaryFooter =
-    R"(Sums over all loops, over the elapsed time of the whole program: the bandwidth of each memory level, and
-giga operations per second of each type that was counted, under the compute roof that stands for what
-the program spends its time on (vectorised or not, float or integer, single or double precision). The
-roofs are for the threads that the program used, an odd number raised to the next even one. "of roof" is
-what is reached of the roof; above a roof it is more than 100 % and has a "!". A level whose traffic
-wasn't measured is N/A.)";
-
-constexpr auto kRoofsFooter =
-    R"(A value of your own counts for its thread set-up only (--threads, --packages, --single), in every chart
-and table from then on. It is kept in the machine file beside the measured value: results that share a machine
-file share its custom roofs. Odd numbers of threads are taken as the next even one.)";
 
 void addRoofModes(CLI::App& command, RoofsRequest& request) {
     const std::vector<CLI::Option*> modes{
@@ -151,8 +156,7 @@ void addReaders(Commands& commands) {
     addConfiguration(*chart, chartRequest->configuration);
     addRoofChoice(*chart, chartRequest->roofs);
     addOutputs(*chart, chartRequest->outputs, "the table");
-    chart->add_option("--svg", chartRequest->outputs.svg, "write a picture to FILE, or to stdout for -")
-        ->type_name("FILE");
+    addPicture(*chart, chartRequest->outputs);
 
     auto [summary, summaryRequest] = commands.add<SummaryRequest>(
         commands.app, "summary", "Tell how much of its roofs the program reaches",
@@ -167,35 +171,6 @@ std::string checkId(const std::string& text) {
     return "expected an id, a whole number that isn't negative, found " + text;
 }
 
-constexpr auto kRowsFooter =
-    R"(Each row is taken by the operations that it has most of, float or integer, with its total data where
-they are there, else with its self data; without callees the two are the same. Of --config the choice of call
-stacks says whose time is shown: 0 with callees, 1 without, and then a row with callees is marked "with all
-that it calls". Its point is its stored performance and its intensity against its traffic to the core. Its
-compute roof follows from its cells: vectorised or not, FMA, type and width. Its roofs are for its own
-threads or for --threads; odd numbers are taken as the next even one.
-
-  limiting roof   the lowest memory roof that stands above the point, or the compute roof where that one
-                  stands lower over the point. "above ROOF": not even the highest memory roof stands above
-  of that roof    performance over the roof's height at the row's intensity; above a roof it is more than
-                  100 % and has a "!"
-  speed-up        the roof's height over the performance: how much faster the row would be on it, which does
-                  not say that anything can be done about it
-  nearest level roof
-                  each memory level gives a point of its own, with that level's traffic: the level's roof or
-                  the compute roof that stands nearest above any of them, by difference of performance
-  remark          why a row has no point, no roof or no levels. "above ROOF: N %!", "on ROOF": the compute
-                  roof doesn't stand above the point and was passed over; a row can't be faster than its
-                  right roof, so its cells, the machine or the measurement are wrong
-
-With --level all each memory level has a line: its traffic, the intensity against it, the level's own roof,
-how much of it is reached, and its share of the row's memory time, that is of traffic over bandwidth. A level
-above its roof has no share. "nearest above" stands on the one line whose point has the nearest roof. A row
-has levels when its float and its integer operations and each level's loads and stores are known, 0 included.
-
---sort distance puts the largest speed-up first. JSON and CSV have full precision, units in their keys, and
-fractions in place of percent. A row without a point is listed with its cause.)";
-
 void addRowReaders(Commands& commands) {
     auto [rows, rowsRequest] =
         commands.add<RowsRequest>(commands.app, "rows", "Tell which roof limits each loop",
@@ -204,16 +179,9 @@ void addRowReaders(Commands& commands) {
     addSource(*rows, rowsRequest->source);
     addConfiguration(*rows, rowsRequest->configuration);
     addThreads(*rows, rowsRequest->roofs);
-    const auto addChoice = [rows = rows](const char* name, std::string& value, const char* what,
-                                         const std::vector<std::string>& values) {
-        rows->add_option(name, value, what)
-            ->check(CLI::IsMember(values).description(""))
-            ->type_name(CLI::detail::join(values, "|"))
-            ->capture_default_str();
-    };
-    addChoice("--level", rowsRequest->level, "a line for each loop, or for each of its memory levels",
+    addChoice(*rows, "--level", rowsRequest->level, "a line for each loop, or for each of its memory levels",
               {"total", "all"});
-    addChoice("--sort", rowsRequest->sort, "largest first", {"time", "distance", "performance"});
+    addChoice(*rows, "--sort", rowsRequest->sort, "largest first", {"time", "distance", "performance"});
     rows->add_option("--top", rowsRequest->top, "show the first N loops only; 0: all")
         ->check(CLI::Range(0, 1 << 30).description(""))
         ->type_name("N");
@@ -239,6 +207,55 @@ void addRowReaders(Commands& commands) {
     loop->add_option("--id", loopRequest->ids, "a loop's id, in place of a request; may be repeated")
         ->check(checkId)
         ->type_name("ID");
+}
+
+// Also refuses what is no number, which a comparison with bounds lets pass.
+CLI::Validator percentUpTo(double most) {
+    return {[most](std::string& text) {
+                double percent = 0.0;
+                if (CLI::detail::lexical_cast(text, percent) && percent >= 0.0 && percent <= most)
+                    return std::string();
+                return "expected a percentage, found " + text;
+            },
+            ""};
+}
+
+void addComparison(Commands& commands) {
+    auto [compare, request] = commands.add<CompareRequest>(
+        commands.app, "compare", "Tell what a change did to each loop",
+        "roofline compare before.json after.json --svg change.svg --table --fail-if slower=10", runCompare);
+    compare->footer(std::string(kCompareFooter) + "\n\n" + compare->get_footer());
+    compare->add_option("BASE", request->base.file, "result file from before")->required()->type_name("");
+    compare->add_option("NEW", request->newFile, "result file from after")->required()->type_name("");
+    addMachineAndLanguage(*compare, request->base);
+    const auto addPercent = [compare = compare](const char* name, double& value, const char* what,
+                                                double most) {
+        compare->add_option(name, value, what)
+            ->check(percentUpTo(most))
+            ->type_name("PERCENT")
+            ->capture_default_str();
+    };
+    addPercent("--threshold", request->threshold, "how well rows have to match", 100.0);
+    addPercent("--noise", request->noise, "smaller changes of time count as none", 1e9);
+    compare->add_flag("--roofline", request->roofline, "match only rows that have a point on a roofline");
+    addChoice(*compare, "--sort", request->sort, "largest first: change of time, match, or time in BASE",
+              {"delta", "score", "time"});
+    auto* gate =
+        compare->add_option("--fail-if", request->failIf, "exit code 3 when a row got slower by more")
+            ->type_name("slower=PERCENT");
+    auto* details = compare
+                        ->add_option("--details", request->details,
+                                     "print the library's details of the pair of BASE's row ID instead")
+                        ->check(checkId)
+                        ->excludes(gate)
+                        ->type_name("ID");
+    compare
+        ->add_option("--config", request->configuration,
+                     "option values for --details, such as f-L1-all; default: the options' defaults")
+        ->needs(details)
+        ->type_name("CONFIG");
+    addOutputs(*compare, request->outputs, "the table");
+    addPicture(*compare, request->outputs);
 }
 
 void addTarget(CLI::App& command, std::string& output, bool& force) {
@@ -303,10 +320,11 @@ void addAll(Commands& commands) {
     app.add_flag("--debug", commands.debug, "print the library's debug messages on stderr");
     app.require_subcommand(1);
     app.footer(
-        "Exit codes: 0 done, 1 bad data or no answer, 2 wrong usage, 130 cancelled.\n"
+        "Exit codes: 0 done, 1 bad data or no answer, 2 wrong usage, 3 --fail-if tripped, 130 cancelled.\n"
         "Example:\n  roofline chart result.json --svg chart.svg --table");
     addReaders(commands);
     addRowReaders(commands);
+    addComparison(commands);
     addImports(commands);
 }
 

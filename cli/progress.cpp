@@ -1,4 +1,4 @@
-// The progress bar and the writing of imported texts.
+// The progress bar, for importers and for the library, and the writing of imported texts.
 #include "cli/progress.h"
 
 #include "embedded_host/embedded_host.h"
@@ -46,6 +46,19 @@ bool ProgressBar::show(std::size_t done, std::size_t all) {
 void ProgressBar::clear() {
     if (m_shown >= 0) m_console.err << "\r\x1b[K" << std::flush;
     m_shown = -1;
+}
+
+void BarProgress::start(const std::string&, std::uint64_t totalSteps) { m_totalSteps = totalSteps; }
+
+void BarProgress::advance(std::uint64_t doneSteps) {
+    if (m_totalSteps == 0) return;
+    const std::lock_guard lock(m_mutex);
+    m_bar.show(doneSteps, m_totalSteps);
+}
+
+void BarProgress::finish() {
+    const std::lock_guard lock(m_mutex);
+    m_bar.clear();
 }
 
 int writeImported(const std::string& text, const std::string& path, bool force, Console& console) {

@@ -85,6 +85,18 @@ struct LoopRequest {
     std::string request;  // JSON, or "-" for stdin
     std::vector<std::uint64_t> ids;
 };
+struct CompareRequest {
+    ResultSource base;  // its machine and language count for the new result too
+    std::string newFile;
+    Outputs outputs;
+    double threshold = 50.0;               // percent that a pair has to match by
+    double noise = 5.0;                    // percent; smaller changes of time count as none
+    bool roofline = false;                 // only rows with a point take part
+    std::string sort = "delta";            // or "score", "time"
+    std::string failIf;                    // "slower=PERCENT"; empty: never
+    std::optional<std::uint64_t> details;  // a row of the base, in place of the list
+    std::optional<std::string> configuration;
+};
 struct ImportCsvRequest {
     std::string file;
     std::vector<std::string> map;  // FIELD=COLUMN[*FACTOR]
@@ -122,6 +134,7 @@ int runSummary(const SummaryRequest&, Console&);
 int runRows(const RowsRequest&, Console&);
 int runRow(const RowRequest&, Console&);
 int runLoop(const LoopRequest&, Console&);
+int runCompare(const CompareRequest&, Console&);
 int runImportCsv(const ImportCsvRequest&, Console&);
 int runImportRoofs(const ImportRoofsRequest&, Console&);
 int runImportRocprof(const ImportRocprofRequest&, Console&);

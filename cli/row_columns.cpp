@@ -2,6 +2,7 @@
 #include "cli/row_columns.h"
 
 #include <array>
+#include <cmath>
 
 namespace cli {
 namespace {
@@ -63,6 +64,22 @@ constexpr std::array<LevelColumn, 10> kLevel{{
 std::span<const RowColumn> rowColumns() { return kRow; }
 std::span<const RowColumn> verdictColumns() { return kVerdict; }
 std::span<const LevelColumn> levelColumns() { return kLevel; }
+
+void writeMember(json::Writer& writer, const char* key, const Cell& cell) {
+    writer.Key(key);
+    if (const auto* text = std::get_if<std::string>(&cell))
+        writer.String(text->data(), static_cast<rapidjson::SizeType>(text->size()));
+    else if (const auto* number = std::get_if<double>(&cell); number && std::isfinite(*number))
+        writer.Double(*number);
+    else
+        writer.Null();
+}
+
+void writeMembers(json::Writer& writer, const RowLine& row) {
+    for (const auto& each : rowColumns()) writeMember(writer, each.key, each.cell(row));
+    for (const auto& each : verdictColumns()) writeMember(writer, each.key, each.cell(row));
+    writer.Key("valid"), writer.Bool(row.isValid);
+}
 
 Cell cellOf(const std::optional<double>& value) { return value ? Cell(*value) : Cell(); }
 Cell cellOf(const std::string& text) { return text.empty() ? Cell() : Cell(text); }

@@ -1,6 +1,7 @@
 // The machine-readable columns of rows: one list makes CSV and JSON, so that both carry the same values.
 #pragma once
 
+#include "cli/json.h"
 #include "cli/row_lines.h"
 #include "cli/table.h"
 
@@ -24,6 +25,10 @@ std::span<const RowColumn> rowColumns();
 std::span<const RowColumn> verdictColumns();
 // One level of a row.
 std::span<const LevelColumn> levelColumns();
+
+void writeMember(json::Writer& writer, const char* key, const Cell& cell);
+// The members of one object: all of `rowColumns` and `verdictColumns`, and whether the row is valid.
+void writeMembers(json::Writer& writer, const RowLine& row);
 
 Cell cellOf(const std::optional<double>& value);
 // An empty text is a missing one.

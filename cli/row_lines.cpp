@@ -168,6 +168,13 @@ std::vector<RowLine> readRows(const Session& session, const RowRooflines& roofli
     return lines;
 }
 
+std::vector<RowLine> readAllRows(const Session& session, const RowRooflines& rooflines) {
+    const RowReader reader(rooflines, session.viewModel->getProgramInfo().elapsedTime);
+    std::vector<RowLine> lines;
+    forEachRow(rooflines.dataset(), [&](const auto& row) { lines.push_back(reader.read(row)); });
+    return lines;
+}
+
 void sortLines(std::vector<RowLine>& lines, RowOrder order) {
     std::stable_sort(lines.begin(), lines.end(), [order](const RowLine& a, const RowLine& b) {
         return keyOf(a, order).value_or(-1.0) > keyOf(b, order).value_or(-1.0);

@@ -55,6 +55,8 @@ enum class RowOrder { Time, Distance, Performance };
 
 // Every row that a chart could draw, in the dataset's order.
 std::vector<RowLine> readRows(const Session& session, const RowRooflines& rooflines);
+// The same with the rows that no chart draws.
+std::vector<RowLine> readAllRows(const Session& session, const RowRooflines& rooflines);
 // Largest first, stable; lines without the value come last.
 void sortLines(std::vector<RowLine>& lines, RowOrder order);
 

@@ -6,12 +6,9 @@
 #include "cli/text.h"
 
 #include <fmt/format.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <map>
 #include <span>
 
@@ -19,7 +16,7 @@ namespace cli {
 namespace {
 
 using Kind = Column::Kind;
-using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
+using json::Writer;
 
 std::span<const RowLine> shown(const RowTableRequest& request) {
     const std::span<const RowLine> lines(request.lines);
@@ -182,26 +179,14 @@ constexpr std::array<Mark, 4> kMarks{{
      "! more than the program's own time"},
 }};
 
-void writeCell(Writer& writer, const Cell& cell) {
-    if (const auto* text = std::get_if<std::string>(&cell))
-        writer.String(text->data(), static_cast<rapidjson::SizeType>(text->size()));
-    else if (const auto* number = std::get_if<double>(&cell); number && std::isfinite(*number))
-        writer.Double(*number);
-    else
-        writer.Null();
-}
-
 void writeRow(Writer& writer, const RowLine& row, bool levels) {
-    const auto add = [&](const char* key, const Cell& cell) { writer.Key(key), writeCell(writer, cell); };
     writer.StartObject();
-    for (const auto& each : rowColumns()) add(each.key, each.cell(row));
-    for (const auto& each : verdictColumns()) add(each.key, each.cell(row));
-    writer.Key("valid"), writer.Bool(row.isValid);
+    writeMembers(writer, row);
     if (levels) {
         writer.Key("levels"), writer.StartArray();
         for (const auto& level : row.levels) {
             writer.StartObject();
-            for (const auto& each : levelColumns()) add(each.key, each.cell(row, level));
+            for (const auto& each : levelColumns()) writeMember(writer, each.key, each.cell(row, level));
             writer.EndObject();
         }
         writer.EndArray();

@@ -5,13 +5,16 @@
 
 #include "cli/json.h"
 
+#include <boost/algorithm/string/predicate.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <locale>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace cli {
 namespace {
@@ -26,14 +29,20 @@ struct Kind {
     std::string_view name;
     DataType rows;
     DataType tree;
+    DataType compared;     // None: the library doesn't match its rows
     Factory createEngine;  // null: the library has no engine for this kind
 };
 
 constexpr std::array<Kind, 3> kKinds{{
-    {ResultKind::Cpu, "CPU", DataType::Cpu, DataType::CpuTopDown, createRooflineInfo},
-    {ResultKind::Gpu, "GPU", DataType::Gpu, DataType::None, nullptr},
-    {ResultKind::Offload, "offload", DataType::Offload, DataType::None, nullptr},
+    {ResultKind::Cpu, "CPU", DataType::Cpu, DataType::CpuTopDown, DataType::Cpu, createRooflineInfo},
+    {ResultKind::Gpu, "GPU", DataType::Gpu, DataType::None, DataType::Gpu, nullptr},
+    {ResultKind::Offload, "offload", DataType::Offload, DataType::None, DataType::None, nullptr},
 }};
+
+const Kind& kindOf(const embedded_host::Result& result) {
+    return *std::find_if(kKinds.begin(), kKinds.end(),
+                         [&](const Kind& each) { return each.kind == result.kind(); });
+}
 
 std::vector<std::string> split(const std::string& configuration) {
     std::vector<std::string> values;
@@ -51,29 +60,83 @@ std::vector<std::string> knownValues(const Session& session) {
     return values;
 }
 
+void chooseLanguage(const ResultSource& source) {
+    if (!source.language.empty() && !embedded_host::setLanguage(source.language))
+        throw UsageError(fmt::format("--language: there are no texts in '{}'", source.language));
+}
+
+std::shared_ptr<embedded_host::Result> readResult(const std::string& file, const ResultSource& source) {
+    embedded_host::OpenOptions options;
+    options.machineFile = source.machine;
+    return embedded_host::openResult(file, options);
+}
+
+// Null when the file says none that is known.
+const Kind* declaredKind(const std::string& file) {
+    try {
+        const auto name = json::text(json::parse(embedded_host::readFile(file), file), "kind");
+        const auto kind = std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind& each) {
+            return boost::algorithm::iequals(each.name, name, std::locale::classic());
+        });
+        return kind == kKinds.end() ? nullptr : &*kind;
+    } catch (const std::runtime_error&) {
+        return nullptr;
+    }
+}
+
+struct KindOfFile {
+    const Kind* kind;  // null: not known
+    const std::string& file;
+};
+
+void checkComparable(const KindOfFile& first, const KindOfFile& second) {
+    for (const auto& [kind, file] : {first, second})
+        if (kind && kind->compared == DataType::None)
+            throw UsageError(fmt::format(
+                "{}: {} results can't be compared: the library doesn't match their rows", file, kind->name));
+    if (first.kind && second.kind && first.kind != second.kind)
+        throw UsageError(
+            fmt::format("{} is a {} result and {} a {} one: only results of one kind are compared",
+                        first.file, first.kind->name, second.file, second.kind->name));
+}
+
+Session startSession(std::shared_ptr<embedded_host::Result> result, const std::string& file) {
+    const auto& kind = kindOf(*result);
+    if (!kind.createEngine)
+        throw embedded_host::FileError(
+            fmt::format("{}: {} results can't be charted by this version", file, kind.name));
+    Session session;
+    session.result = std::move(result);
+    // The engine listens for the load, so it comes first.
+    session.viewModel = session.result->viewModel();
+    session.engine = kind.createEngine(session.viewModel);
+    session.result->load(IViewModelBase::LoadType::Result);
+    session.rows = session.viewModel->getDataset(kind.rows);
+    if (kind.tree != DataType::None) session.tree = session.viewModel->getDataset(kind.tree);
+    session.comparedRows = kind.compared;
+    return session;
+}
+
 }  // namespace
 
 Session openSession(const ResultSource& source) {
-    if (!source.language.empty() && !embedded_host::setLanguage(source.language))
-        throw UsageError(fmt::format("--language: there are no texts in '{}'", source.language));
-    embedded_host::OpenOptions options;
-    options.machineFile = source.machine;
+    chooseLanguage(source);
+    return startSession(readResult(source.file, source), source.file);
+}
 
-    Session session;
-    session.result = embedded_host::openResult(source.file, options);
-    const auto kind = std::find_if(kKinds.begin(), kKinds.end(),
-                                   [&](const Kind& each) { return each.kind == session.result->kind(); });
-    if (kind == kKinds.end() || !kind->createEngine)
-        throw embedded_host::FileError(
-            fmt::format("{}: {} results can't be charted by this version", source.file,
-                        kind == kKinds.end() ? std::string_view("these") : kind->name));
-    // The engine listens for the load, so it comes first.
-    session.viewModel = session.result->viewModel();
-    session.engine = kind->createEngine(session.viewModel);
-    session.result->load(IViewModelBase::LoadType::Result);
-    session.rows = session.viewModel->getDataset(kind->rows);
-    if (kind->tree != DataType::None) session.tree = session.viewModel->getDataset(kind->tree);
-    return session;
+std::pair<Session, Session> openSessions(const ResultSource& base, const std::string& newFile) {
+    chooseLanguage(base);
+    std::shared_ptr<embedded_host::Result> first, second;
+    try {
+        first = readResult(base.file, base);
+        second = readResult(newFile, base);
+    } catch (const embedded_host::FileError&) {
+        // The host may not open a kind that wouldn't be compared either: then that is the better reason.
+        checkComparable({declaredKind(base.file), base.file}, {declaredKind(newFile), newFile});
+        throw;
+    }
+    checkComparable({&kindOf(*first), base.file}, {&kindOf(*second), newFile});
+    return {startSession(std::move(first), base.file), startSession(std::move(second), newFile)};
 }
 
 void waitForTasks() {

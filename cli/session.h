@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace cli {
 
@@ -21,10 +22,14 @@ struct Session {
     // has none.
     data_models2::sptr_t<data_models2::IDataset> rows;
     data_models2::sptr_t<data_models2::IDataset> tree;
+    data_models2::DataType comparedRows = data_models2::DataType::None;  // None: can't be compared
 };
 
 // Throws embedded_host::FileError for a bad file, UsageError for an unknown language.
 Session openSession(const ResultSource& source);
+// The same for two results of one kind that can be compared, with one machine and language for both; throws
+// UsageError for others.
+std::pair<Session, Session> openSessions(const ResultSource& base, const std::string& newFile);
 
 // Until the library knows what dominates the program. Throws std::runtime_error when that takes too long.
 void waitForTasks();

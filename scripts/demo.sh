@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the program and charts the shipped example.
+# Installs what is missing, builds the program, charts the shipped example and compares its two compilers.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -12,4 +12,7 @@ mkdir -p demo-out
 "$roofline" chart "$result"
 "$roofline" chart "$result" --json demo-out/chart.json --svg demo-out/chart.svg
 echo
-echo "The chart document is demo-out/chart.json, the picture demo-out/chart.svg; more: $roofline --help"
+"$roofline" compare "$result" examples/two_compilers/clang.json --table --svg demo-out/comparison.svg
+echo
+echo "The chart document is demo-out/chart.json, the pictures demo-out/chart.svg and demo-out/comparison.svg;"
+echo "more: $roofline --help"

@@ -1,8 +1,9 @@
-// Lays the picture out: frame, roofs, marks, labels, legend, notes.
+// Lays the chart out on its sheet: marks, labels, legend, the reason of an empty chart.
 #include "cli/picture/layout.h"
 
 #include "cli/chart_table.h"
 #include "cli/picture/legend.h"
+#include "cli/picture/sheet.h"
 #include "cli/text.h"
 
 #include <fmt/format.h>
@@ -10,43 +11,16 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
-#include <numeric>
-#include <tuple>
+#include <utility>
 
 namespace cli::picture {
 namespace {
 
-constexpr double kMarginLeft = 92.0, kMarginTop = 84.0, kPanelWidth = 236.0;
-constexpr double kAxisHeight = 62.0, kNoteLine = 18.0, kNoteSize = 13.0;
-constexpr double kPanelGap = 28.0, kRowHeight = 22.0;
 constexpr std::size_t kNameLength = 36;
+constexpr double kRoom = 6.0;  // between the outermost mark and the frame, pixels
 
 std::string captionOf(const std::string& name, const std::string& measure) {
     return cleanText(measure.empty() ? name : fmt::format("{} [{}]", name, measure));
-}
-
-std::vector<std::string> wrapped(const std::string& text, double width, double fontSize) {
-    std::vector<std::string> lines(1);
-    for (std::size_t start = 0; start < text.size();) {
-        const auto end = std::min(text.find(' ', start), text.size());
-        const auto word = text.substr(start, end - start);
-        auto& line = lines.back();
-        if (line.empty()) {
-            line = word;
-        } else if (textWidth(line + ' ' + word, fontSize) <= width) {
-            line += ' ' + word;
-        } else {
-            lines.push_back(word);
-        }
-        start = end + 1;
-    }
-    return lines;
-}
-
-std::string roofText(const Roof& roof) {
-    constexpr double kGiga = 1e9;
-    return cleanText(fmt::format("{}  {} {}", shorten(cleanText(roof.name), 60),
-                                 shortNumber(roof.value / kGiga), roof.measure));
 }
 
 std::string percent(double share) { return shortNumber(share * 100.0) + " %"; }
@@ -56,15 +30,16 @@ class Layout {
 public:
     Layout(const ChartDocument& document, const std::vector<Roof>& roofs,
            const std::vector<UnplacedRows>& unplaced, const PictureOptions& options)
-        : m_document(document), m_roofs(roofs), m_options(options), m_colours(document), m_sizes(document) {
-        m_picture.width = options.width;
-        m_picture.height = options.height;
-        m_picture.title = shorten(cleanText(options.title), 80);
-        m_picture.subtitle = shorten(cleanText(options.subtitle), 140);
-        writeNotes(unplaced);
-        makeScales();
+        : m_document(document),
+          m_options(options),
+          m_colours(document),
+          m_sizes(document),
+          m_sheet(options, cleanText(countSentence(document.rowCount(), unplaced)),
+                  visibleRanges(document, roofs), m_sizes.largest() + kRoom,
+                  captionOf(document.nameX, document.measureX), captionOf(document.nameY, document.measureY)),
+          m_picture(m_sheet.picture()) {
         placeMarks();
-        placeRoofs();
+        m_sheet.addRoofs(roofs);
         placeLabels();
         writeLegend();
         writeMessage();
@@ -72,40 +47,11 @@ public:
     Picture take() { return std::move(m_picture); }
 
 private:
-    void writeNotes(const std::vector<UnplacedRows>& unplaced) {
-        const auto sentence = countSentence(m_document.rowCount(), unplaced);
-        m_picture.notes = wrapped(cleanText(sentence), m_options.width - kMarginLeft - kPanelGap, kNoteSize);
-    }
-
-    void makeScales() {
-        auto& frame = m_picture.frame;
-        frame = {
-            kMarginLeft, kMarginTop, m_options.width - kPanelWidth - kPanelGap,
-            m_options.height - kAxisHeight - kNoteLine * static_cast<double>(m_picture.notes.size()) - 12.0};
-        // The outermost mark stands a whole mark's size inside the frame.
-        const double pad = m_sizes.largest() + 6.0;
-        const auto ranges = visibleRanges(m_document, m_roofs);
-        m_x = padded(ranges.x, frame.left, frame.right, pad);
-        m_y = padded(ranges.y, frame.bottom, frame.top, pad);
-        // A document without data names no axes.
-        m_picture.x = {ticks(m_x), captionOf(m_document.nameX, m_document.measureX)};
-        m_picture.y = {ticks(m_y), captionOf(m_document.nameY, m_document.measureY)};
-        if (m_picture.x.caption.empty()) m_picture.x.caption = "Arithmetic intensity";
-        if (m_picture.y.caption.empty()) m_picture.y.caption = "Performance";
-    }
-
-    static Scale padded(const Range& range, double from, double to, double pad) {
-        const double inner = std::abs(to - from) - 2 * pad, more = pad * range.span() / inner;
-        return {{range.low - more, range.high + more}, from, to};
-    }
-
-    Point onScreen(double x, double y) const { return {m_x.at(x), m_y.at(y)}; }
-
     void placeMarks() {
         m_picture.isCrowded = SizeKey::isCrowded(m_document);
         std::map<std::string, Point> lastOfRow;
         for (const auto& point : m_document.points) {
-            const auto center = onScreen(point.x, point.y);
+            const auto center = m_sheet.onScreen(point.x, point.y);
             m_picture.marks.push_back(
                 {center, m_sizes.radius(point), m_colours.colour(point), hoverOf(point)});
             if (point.id.empty()) continue;
@@ -114,7 +60,8 @@ private:
             last->second = center;
         }
         for (const auto& total : m_document.totals)
-            m_picture.totals.push_back({onScreen(total.x, total.y), kTotalRadius, {}, hoverOf(total)});
+            m_picture.totals.push_back(
+                {m_sheet.onScreen(total.x, total.y), kTotalRadius, {}, hoverOf(total)});
     }
 
     std::string coordinatesOf(double x, double y) const {
@@ -140,51 +87,23 @@ private:
                            coordinatesOf(total.x, total.y));
     }
 
-    void placeRoofs() {
-        const Ranges ranges{m_x.range, m_y.range};
-        for (const auto& roof : m_roofs) {
-            const auto span = roofSpan(roof, m_roofs, ranges);
-            m_picture.roofs.push_back({{onScreen(span.from.x, span.from.y), onScreen(span.to.x, span.to.y)},
-                                       roof.isMemory,
-                                       roof.isSelected,
-                                       roofText(roof)});
-        }
-    }
-
     void placeLabels() {
         LabelPlacer placer(m_picture.frame);
         for (const auto& mark : m_picture.marks) placer.avoid(mark.center, mark.radius);
         for (const auto& tie : m_picture.ties) placer.avoid(tie);
         for (const auto& total : m_picture.totals) placer.avoid(total.center, kTotalRadius);
-        for (std::size_t i = 0; i < m_picture.roofs.size(); ++i)
-            placer.addRoof(m_picture.roofs[i].line, m_picture.roofs[i].isMemory);
-        const auto keep = [&](std::optional<Label> label) {
-            if (label) m_picture.labels.push_back(std::move(*label));
-            return label.has_value();
-        };
-        // Selected ones, then highest first: where two roofs coincide the first one's label stands above, the
-        // next one's below.
-        std::vector<std::size_t> order(m_roofs.size());
-        std::iota(order.begin(), order.end(), std::size_t{0});
-        std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-            return std::tie(m_roofs[a].isSelected, m_roofs[a].value) >
-                   std::tie(m_roofs[b].isSelected, m_roofs[b].value);
-        });
-        for (const auto i : order) {
-            const auto& roof = m_picture.roofs[i];
-            if (!keep(placer.placeOnRoof(roof.hover, i, !roof.isMemory))) m_unlabelled.push_back(roof.hover);
-        }
+        m_sheet.nameRoofs(placer);
         for (std::size_t i = 0; i < m_picture.totals.size(); ++i) {
             const bool several = m_picture.totals.size() > 1;
             const auto text = several ? "Total " + shorten(cleanText(m_document.totals[i].name), kNameLength)
                                       : std::string("Program total");
-            keep(placer.placeAtMark(text, m_picture.totals[i].center, kTotalRadius, Label::Kind::Total));
+            m_sheet.keep(
+                placer.placeAtMark(text, m_picture.totals[i].center, kTotalRadius, Label::Kind::Total));
         }
-        labelPoints(placer, keep);
+        labelPoints(placer);
     }
 
-    template <class Keep>
-    void labelPoints(LabelPlacer& placer, const Keep& keep) {
+    void labelPoints(LabelPlacer& placer) {
         std::size_t named = 0;
         std::map<std::string, bool> seen;  // a row is named at one of its memory levels
         for (std::size_t i = 0; i < m_document.points.size() && named < m_options.namedPoints; ++i) {
@@ -193,53 +112,26 @@ private:
             if (text.empty() || (!point.id.empty() && std::exchange(seen[point.id], true))) continue;
             ++named;
             const auto& mark = m_picture.marks[i];
-            keep(placer.placeAtMark(text, mark.center, mark.radius, Label::Kind::Point));
+            m_sheet.keep(placer.placeAtMark(text, mark.center, mark.radius, Label::Kind::Point));
         }
-    }
-
-    void addRow(LegendRow::Kind kind, std::string text, std::string colour = {}, double radius = 0.0) {
-        const double room = std::max(kRowHeight, 2 * radius + 6.0);
-        const double left = m_picture.frame.right + kPanelGap;
-        const bool hasSymbol = kind != LegendRow::Kind::Heading && kind != LegendRow::Kind::Text;
-        const double textRoom = m_options.width - left - (hasSymbol ? 56.0 : 8.0);
-        auto cut = shorten(text, 48);
-        for (auto most = length(cut); most > 4 && textWidth(cut, kLabelSize) > textRoom; --most)
-            cut = shorten(text, most);
-        m_legendY += room / 2;
-        m_picture.legend.push_back(
-            {kind, {left + (hasSymbol ? 22.0 : 0.0), m_legendY}, std::move(cut), std::move(colour), radius});
-        m_legendY += room / 2;
-    }
-
-    void addHeading(const std::string& text) {
-        if (!m_picture.legend.empty()) m_legendY += 14.0;
-        addRow(LegendRow::Kind::Heading, text);
     }
 
     void writeLegend() {
-        m_legendY = m_picture.frame.top;
         if (!m_picture.marks.empty()) {
-            addHeading(m_colours.heading());
+            m_sheet.addHeading(m_colours.heading());
             for (const auto& entry : m_colours.entries())
-                addRow(LegendRow::Kind::Colour, fmt::format("{} ({})", entry.text, entry.count), entry.colour,
-                       6.0);
+                m_sheet.addRow(LegendRow::Kind::Colour, fmt::format("{} ({})", entry.text, entry.count),
+                               entry.colour, 6.0);
         }
         const auto examples = m_sizes.examples();
-        if (!examples.empty()) addHeading("Share of time");
+        if (!examples.empty()) m_sheet.addHeading("Share of time");
         for (const double share : examples)
-            addRow(LegendRow::Kind::Size, percent(share), {}, m_sizes.radius(share));
+            m_sheet.addRow(LegendRow::Kind::Size, percent(share), {}, m_sizes.radius(share));
         if (!m_picture.totals.empty()) {
-            m_legendY += 14.0;
-            addRow(LegendRow::Kind::Total, "program total");
+            m_sheet.addGap();
+            m_sheet.addRow(LegendRow::Kind::Total, "program total");
         }
-        if (m_unlabelled.empty()) return;
-        addHeading("Further roofs, highest first");
-        const auto room =
-            static_cast<std::size_t>(std::max(1.0, (m_picture.height - 40.0 - m_legendY) / kRowHeight));
-        const bool isCut = m_unlabelled.size() > room;
-        const auto shown = isCut ? room - 1 : m_unlabelled.size();
-        for (std::size_t i = 0; i < shown; ++i) addRow(LegendRow::Kind::Text, m_unlabelled[i]);
-        if (isCut) addRow(LegendRow::Kind::Text, fmt::format("and {} more", m_unlabelled.size() - shown));
+        m_sheet.listUnnamedRoofs();
     }
 
     void writeMessage() {
@@ -251,14 +143,11 @@ private:
     }
 
     const ChartDocument& m_document;
-    const std::vector<Roof>& m_roofs;
     const PictureOptions& m_options;
     ColourKey m_colours;
     SizeKey m_sizes;
-    Scale m_x, m_y;
-    std::vector<std::string> m_unlabelled;
-    double m_legendY = 0.0;
-    Picture m_picture;
+    Sheet m_sheet;
+    Picture& m_picture;
 };
 
 }  // namespace

@@ -20,6 +20,8 @@ struct RoofLine {
     bool isMemory = false;
     bool isSelected = false;
     std::string hover;
+    double value = 0.0;    // the higher, the sooner it is named
+    bool isOther = false;  // of a second set of roofs
 };
 
 struct Mark {
@@ -27,10 +29,18 @@ struct Mark {
     double radius = 0.0;
     std::string colour;
     std::string hover;
+    bool isHollow = false;
+};
+
+// From where a row stood to where it stands.
+struct Arrow {
+    Segment line;
+    std::string colour;
+    std::string hover;
 };
 
 struct LegendRow {
-    enum class Kind { Heading, Colour, Size, Total, Text };
+    enum class Kind { Heading, Colour, Hollow, Arrow, Size, Total, Roof, OtherRoof, Text };
     Kind kind = Kind::Text;
     Point at;  // middle of the symbol's column; the text stands to the right
     std::string text;
@@ -49,6 +59,7 @@ struct Picture {
     std::vector<Mark> marks;    // large ones first, so that none hides another
     bool isCrowded = false;     // marks are small and faint
     std::vector<Mark> totals;
+    std::vector<Arrow> arrows;  // the most important last
     std::vector<Label> labels;
     std::vector<LegendRow> legend;
     std::vector<std::string> notes;    // lines under the chart

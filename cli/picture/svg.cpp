@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <iterator>
 
@@ -27,6 +28,7 @@ text { fill: #2b3440 }
 .memory { stroke: #3d5a80 }
 .compute { stroke: #7a5230 }
 .selected { stroke-width: 2.6 }
+.other { stroke-dasharray: 9 5 }
 .label { font-size: 12px; text-anchor: middle; paint-order: stroke; stroke: #ffffff; stroke-width: 3px;
   stroke-linejoin: round }
 .label.memory { fill: #2f4a6d }
@@ -36,6 +38,10 @@ text { fill: #2b3440 }
 .tie { stroke: #b4bcc5; stroke-width: 1 }
 .mark { fill-opacity: 0.55; stroke-width: 1.2 }
 .many .mark { fill-opacity: 0.35; stroke-width: 0.5 }
+.hollow { fill: #ffffff; fill-opacity: 0.4; stroke-width: 1.8 }
+.arrow { stroke-width: 1.6; stroke-linejoin: round }
+.many .arrow { stroke-width: 0.8; opacity: 0.55 }
+.arrow:hover { stroke-width: 3 }
 .total-mark { fill: #20262d; stroke: #ffffff; stroke-width: 1.5 }
 .mark:hover, .total-mark:hover { fill-opacity: 1 }
 .legend { font-size: 12px }
@@ -53,6 +59,7 @@ public:
         grid(picture);
         roofs(picture);
         marks(picture);
+        arrows(picture);
         labels(picture);
         legend(picture);
         words(picture);
@@ -109,19 +116,25 @@ private:
 
     void roofs(const Picture& picture) {
         for (const auto& roof : picture.roofs)
-            add(R"(<line class="roof {}{}" x1="{:.2f}" y1="{:.2f}" x2="{:.2f}" y2="{:.2f}">)"
+            add(R"(<line class="{}" x1="{:.2f}" y1="{:.2f}" x2="{:.2f}" y2="{:.2f}">)"
                 R"(<title>{}</title></line>)",
-                roof.isMemory ? "memory" : "compute", roof.isSelected ? " selected" : "", roof.line.from.x,
-                roof.line.from.y, roof.line.to.x, roof.line.to.y, escapeXml(roof.hover));
+                styleOf(roof), roof.line.from.x, roof.line.from.y, roof.line.to.x, roof.line.to.y,
+                escapeXml(roof.hover));
+    }
+
+    static std::string styleOf(const RoofLine& roof) {
+        return fmt::format("roof {}{}{}", roof.isMemory ? "memory" : "compute",
+                           roof.isSelected ? " selected" : "", roof.isOther ? " other" : "");
     }
 
     void marks(const Picture& picture) {
         add("<g{}>", picture.isCrowded ? R"( class="many")" : "");
         for (const auto& tie : picture.ties) line("tie", tie);
         for (const auto& mark : picture.marks)
-            add(R"(<circle class="mark" cx="{:.2f}" cy="{:.2f}" r="{:.2f}" fill="{}" stroke="{}">)"
+            add(R"(<circle class="{}" cx="{:.2f}" cy="{:.2f}" r="{:.2f}" fill="{}" stroke="{}">)"
                 R"(<title>{}</title></circle>)",
-                mark.center.x, mark.center.y, mark.radius, mark.colour, mark.colour, escapeXml(mark.hover));
+                mark.isHollow ? "mark hollow" : "mark", mark.center.x, mark.center.y, mark.radius,
+                mark.colour, mark.colour, escapeXml(mark.hover));
         add("</g>");
         for (const auto& total : picture.totals) diamond(total.center, total.hover);
     }
@@ -130,6 +143,32 @@ private:
         add(R"(<path class="total-mark" d="M{0:.2f} {1:.2f}l{2:g} {2:g}l-{2:g} {2:g}l-{2:g} -{2:g}z">)"
             R"(<title>{3}</title></path>)",
             center.x, center.y - kTotalRadius, kTotalRadius, escapeXml(hover));
+    }
+
+    void arrows(const Picture& picture) {
+        if (picture.arrows.empty()) return;
+        add("<g{}>", picture.isCrowded ? R"( class="many")" : "");
+        for (const auto& each : picture.arrows) arrow(each);
+        add("</g>");
+    }
+
+    // A dot where it starts. The head gets smaller where it wouldn't fit.
+    void arrow(const Arrow& each) {
+        constexpr double kDot = 2.6, kHead = 9.0, kHalfHead = 4.2;
+        const auto& [from, to] = each.line;
+        const double size = std::hypot(to.x - from.x, to.y - from.y), head = std::min(kHead, size);
+        add(R"(<g class="arrow" fill="{0}" stroke="{0}"><title>{1}</title>)"
+            R"(<circle cx="{2:.2f}" cy="{3:.2f}" r="{4:g}"/>)",
+            each.colour, escapeXml(each.hover), from.x, from.y, kDot);
+        if (size > 0.0) {
+            const auto foot = pointAt(each.line, 1.0 - head / size);
+            const double half = kHalfHead * head / kHead;
+            const double acrossX = half * (to.y - from.y) / size, acrossY = half * (from.x - to.x) / size;
+            add(R"(<path d="M{:.2f} {:.2f}L{:.2f} {:.2f}"/>)", from.x, from.y, foot.x, foot.y);
+            add(R"(<path stroke="none" d="M{:.2f} {:.2f}L{:.2f} {:.2f}L{:.2f} {:.2f}z"/>)", to.x, to.y,
+                foot.x + acrossX, foot.y + acrossY, foot.x - acrossX, foot.y - acrossY);
+        }
+        add("</g>");
     }
 
     void labels(const Picture& picture) {
@@ -159,6 +198,13 @@ private:
             if (row.kind == Kind::Colour)
                 add(R"(<circle class="mark" cx="{:.2f}" cy="{:.2f}" r="{:.2f}" fill="{}" stroke="{}"/>)", x,
                     y, row.radius, row.colour, row.colour);
+            if (row.kind == Kind::Hollow)
+                add(R"(<circle class="mark hollow" cx="{:.2f}" cy="{:.2f}" r="{:.2f}" stroke="{}"/>)", x, y,
+                    row.radius, row.colour);
+            if (row.kind == Kind::Arrow) arrow({{{x - 12.0, y}, {x + 16.0, y}}, row.colour, row.text});
+            if (row.kind == Kind::Roof || row.kind == Kind::OtherRoof)
+                line(row.kind == Kind::Roof ? "roof memory selected" : "roof memory selected other",
+                     {{x - 16.0, y}, {x + 18.0, y}});
             if (row.kind == Kind::Size)
                 add(R"(<circle cx="{:.2f}" cy="{:.2f}" r="{:.2f}" fill="#e7ebef" stroke="#8a95a1"/>)", x, y,
                     row.radius);
