@@ -313,6 +313,24 @@ void addImports(Commands& commands) {
     addTarget(*rocprof, rocprofRequest->output, rocprofRequest->force);
 }
 
+void addProjection(Commands& commands) {
+    auto [project, request] = commands.add<ProjectRequest>(
+        commands.app, "project", "Put a CPU result on a target machine, by a simple model",
+        "roofline project result.json --target card.json -o on_card.json", runProject);
+    project->footer(
+        "A row takes the longest of operations / peak and traffic / bandwidth of each level of the target,\n"
+        "plus the taxes of the target's machine file for each call. What that assumes, and the rows that\n"
+        "can't be projected, are told on stderr.\n\n" +
+        project->get_footer());
+    project->add_option("RESULT", request->file, "result file of kind cpu")->required()->type_name("");
+    project->add_option("--target", request->target, "machine file of the target, with a device")
+        ->required()
+        ->type_name("MACHINE");
+    project->add_flag("--fill-levels", request->fillLevels,
+                      "levels that weren't counted carry the traffic of the nearest one inside them");
+    addTarget(*project, request->output, request->force);
+}
+
 void addAll(Commands& commands) {
     auto& app = commands.app;
     app.set_version_flag("--version", std::string("roofline ") + OMBRIX_VERSION);
@@ -326,6 +344,7 @@ void addAll(Commands& commands) {
     addRowReaders(commands);
     addComparison(commands);
     addImports(commands);
+    addProjection(commands);
 }
 
 int runParsed(Commands& commands, Console& console) {

@@ -125,6 +125,14 @@ struct ImportRocprofRequest {
     bool force = false;
 };
 
+struct ProjectRequest {
+    std::string file;
+    std::string target;  // machine file
+    bool fillLevels = false;
+    std::string output;  // empty or "-": stdout
+    bool force = false;
+};
+
 int runFields(const FieldsRequest&, Console&);
 int runOptions(const OptionsRequest&, Console&);
 int runThreads(const ThreadsRequest&, Console&);
@@ -138,5 +146,6 @@ int runCompare(const CompareRequest&, Console&);
 int runImportCsv(const ImportCsvRequest&, Console&);
 int runImportRoofs(const ImportRoofsRequest&, Console&);
 int runImportRocprof(const ImportRocprofRequest&, Console&);
+int runProject(const ProjectRequest&, Console&);
 
 }  // namespace cli

@@ -42,8 +42,13 @@ public:
     // Why the last change of own values of roofs failed, which the library answers by false alone; empty when
     // it succeeded or nothing was changed yet.
     virtual std::string ownRoofsFault() const = 0;
-    // What the library is given. The view model shares the result's data and outlives this object.
+    // The device that an offload result is about; empty for other kinds and when no file names it.
+    virtual std::string targetName() const = 0;
+    // What the library is given: the view of a CPU or GPU result, null for an offload result. A view model
+    // shares the result's data and outlives this object.
     virtual std::shared_ptr<data_models2::ISurveyingViewModel> viewModel() const = 0;
+    // The same of an offload result, null for other kinds.
+    virtual std::shared_ptr<data_models2::IPerfProjectionViewModel> projection() const = 0;
     // Tells the subscribers of the view model that a result is there.
     virtual void load(data_models2::IViewModelBase::LoadType type) = 0;
 };
@@ -96,6 +101,38 @@ struct RocprofTexts {
 
 // Makes the texts of a result file and of its machine file. Throws FileError; `progress` as with `importCsv`.
 OMBRIX_API RocprofTexts importRocprof(const RocprofImport& import, const Progress& progress = {});
+
+// A CPU result that is to be put on a target machine.
+struct ProjectionRequest {
+    std::string resultFile;
+    std::string machineFile;  // of the target; it must have a device
+    std::string machineName;  // how the new result names that file; empty: as `machineFile`
+    // A level of the target whose traffic wasn't counted carries that of the nearest level inside it. Without
+    // this it takes no time.
+    bool fillLevels = false;
+};
+struct UnprojectedRow {
+    std::uint64_t id = 0;
+    std::string name;
+    std::string cause;
+};
+struct Projection {
+    std::string result;                // the text of an offload result
+    std::size_t rowCount = 0;          // rows in it
+    std::size_t gapCount = 0;          // of these: rows whose traffic isn't known at some level of the target
+    std::vector<UnprojectedRow> left;  // rows that aren't in it, in the order of the CPU result
+    std::vector<std::string> assumptions;  // sentences for people
+    std::vector<std::string> warnings;     // what was left out of the times, each once
+};
+
+// The time of a row on the target is the longest of
+//   its float operations / the highest peak of their type, its integer operations / that of theirs,
+//   its traffic at each level / the bandwidth of the target's level,
+// plus the launch and transfer taxes of the machine file for each of its calls (one when they aren't
+// counted). What weighs most is the row's `boundedBy`: Compute, L1_BW, L3_BW, HBM_BW, ..., Launch_Tax or
+// Transfer_Tax. Types are those of the row's DataTypes: up to 32 bits or 64, and 64 when nothing is known.
+// Throws FileError.
+OMBRIX_API Projection projectResult(const ProjectionRequest& request);
 
 // The value of a roof in bytes or operations per second of a text such as "40GB/s", "40 GiB/s", "1.5TFLOP/s";
 // a bare number counts GB/s or GFLOP/s. Throws std::invalid_argument with the reason.

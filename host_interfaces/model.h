@@ -135,15 +135,15 @@ public:
     virtual ProgramInfo getProgramInfo() const = 0;
     // Where the result lives: identifies it among the results of a process.
     virtual std::string getResultDirectory() const = 0;
-    // Raised on the host's thread after a result was loaded or refreshed.
-    virtual LoadSignal& onSurveyResultLoaded() = 0;
     // Forgets the highlighted rows; true when there were any.
-    virtual bool clearHighlighting(DataType type, int view) = 0;
+    virtual bool clearHighlighting(DataType /*type*/, int /*view*/) { return false; }
 };
 
 // The view of a measured result, CPU or GPU.
 class OMBRIX_API ISurveyingViewModel : public IViewModelBase {
 public:
+    // Raised on the host's thread after a result was loaded or refreshed.
+    virtual LoadSignal& onSurveyResultLoaded() = 0;
     // Names of the memory levels that were measured, outermost last.
     virtual std::vector<std::string> getMemoryLevelNames() const = 0;
     virtual int getUsedThreadCount() const = 0;
@@ -166,6 +166,24 @@ public:
     virtual std::shared_ptr<IDatasetRowLinker> getRowLinker(DataType /*from*/, DataType /*to*/) const {
         return nullptr;
     }
+};
+
+// The view of a projection: a program that was measured on its host, as it would run on a target device.
+//
+// Its one dataset is DataType::Offload, a row a region of the program on the target. The library reads total
+// operations (0 where there are none of a type: without both counts a row has no points by level), their
+// performance on the target and intensity (fields 90 to 94, 101, 102, 107 to 109), operations by width (110
+// to 116), OffloadElapsedTime, and traffic and bandwidth of the target's levels, which count bytes.
+// `getRoofManager(DataType::Offload)` gives the target's roofs, selected by `roof::getGpuRoofConfiguration`;
+// `getProgramInfo` the program on the target (an elapsed time of 0: the sum of the rows stands in).
+class OMBRIX_API IPerfProjectionViewModel : public IViewModelBase {
+public:
+    // Raised on the host's thread after a projection was loaded or refreshed.
+    virtual LoadSignal& onResultLoaded() = 0;
+    // The target's last memory, as it is called without the device's suffix: "L1", "L3", "DRAM", "SLM",
+    // "XLI", "GDDR6" or "HBM". Any other text, the empty one too: unknown, taken for memory behind an
+    // external link.
+    virtual std::string getTargetMemoryName() const = 0;
 };
 
 }  // namespace data_models2

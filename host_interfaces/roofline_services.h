@@ -18,7 +18,7 @@ class IResultController;
 class OMBRIX_API ISummaryDataProvider {
 public:
     // Answers with the summary's JSON text, at once or when it is known; a kind other than 0 answers with an
-    // empty text. Throws std::bad_function_call when `callback` is empty and `kind` is not 0.
+    // empty text, an empty `callback` then throws std::bad_function_call. A projection never answers.
     virtual void loadSummaryData(int kind, const std::function<void(const std::string&)>& callback) = 0;
     virtual ~ISummaryDataProvider() = default;
 };
@@ -77,11 +77,11 @@ public:
     // The roofs for a thread set-up, a JSON array.
     virtual std::string getRoofs(const std::string& configuration, const RoofThreadingFeatures& features,
                                  Perspective perspective) const = 0;
-    // The roofs of each thread set-up that a chart can offer, a JSON array.
+    // The roofs of each thread set-up that a chart can offer, a JSON array; an empty text for a projection.
     virtual std::string getAllRoofs(const std::string& configuration) const = 0;
     // Which roofs are shown at first, a JSON object.
     virtual std::string getSelectedRoofs(const std::string& configuration, Perspective perspective) const = 0;
-    // Cores, packages and used threads, a JSON object.
+    // Cores, packages and used threads, a JSON object; an empty text for a projection.
     virtual std::string getThreadsInfo() const = 0;
     // The details of the loops that `request` names, a JSON array.
     virtual std::string getLoopAdditionalInfo(const std::string& request,

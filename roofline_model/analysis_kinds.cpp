@@ -10,6 +10,7 @@
 #include "roofline_model/roof_names.h"
 #include "roofline_model/row_roofline_engine.h"
 #include "roofline_model/unified/gpu_levels.h"
+#include "roofline_model/unified/offload_levels.h"
 #include "roofline_model/unified/option_tables.h"
 
 #include <algorithm>
@@ -58,13 +59,13 @@ DetailedRow detailedRow(const RowRequest& request) {
 namespace gpu {
 
 // The getters are bound by a walk, so each has its own.
-MetricRecipe recipe(const GpuDeviceProperties& device) {
+MetricRecipe recipe(const ResultState& state) {
     MetricRecipe result{.operations = {{defGetter(FieldId::SelfFloatOps), OperationsType::Float},
                                        {defGetter(FieldId::SelfIntOps), OperationsType::Int}},
                         .traffic = {},
                         .timeField = FieldId::GpuElapsedTime,
                         .elapsedTimeField = FieldId::GpuElapsedTime};
-    for (const auto& name : getGpuMemoryLevels(device))
+    for (const auto& name : getGpuMemoryLevels(state.device))
         if (const auto* const level = findGpuLevel(name))
             result.traffic.emplace_back(defGetter(level->traffic), name);
     return result;
@@ -103,13 +104,47 @@ roofline::DominatingRoofs dominatingRoofs(const DominatingRoofsTask& task,
 }
 
 DetailedRow detailedRow(const RowRequest& request) {
-    auto engine = std::dynamic_pointer_cast<CRowRooflineEngine>(
-        createGpuRowRooflineInfo(request.row, request.dataset, request.viewModel, usageOf(request.features)));
+    auto engine = std::dynamic_pointer_cast<CRowRooflineEngine>(createGpuRowRooflineInfo(
+        request.row, request.dataset, std::dynamic_pointer_cast<ISurveyingViewModel>(request.viewModel),
+        usageOf(request.features)));
     const bool isAcceptable = engine != nullptr;
     return {std::move(engine), isAcceptable, std::nullopt};
 }
 
 }  // namespace gpu
+
+namespace offload {
+
+std::string targetLevel(const ResultState& state) {
+    return getOffloadTargetLevel(state.projection ? state.projection->getTargetMemoryName() : std::string());
+}
+
+// A level that is listed twice is measured once.
+MetricRecipe recipe(const ResultState& state) {
+    MetricRecipe result{.operations = {{defGetter(FieldId::TotalFloatOps), OperationsType::Float},
+                                       {defGetter(FieldId::TotalIntOps), OperationsType::Int},
+                                       {defGetter(FieldId::TotalMixedOps), OperationsType::Mixed}},
+                        .traffic = {},
+                        .timeField = FieldId::OffloadElapsedTime,
+                        .elapsedTimeField = FieldId::OffloadElapsedTime};
+    auto levels = getOffloadMemoryLevels(targetLevel(state));
+    std::sort(levels.begin(), levels.end());
+    levels.erase(std::unique(levels.begin(), levels.end()), levels.end());
+    for (const auto& name : levels)
+        if (const auto* const level = findOffloadLevel(name))
+            result.traffic.emplace_back(gigabytesGetter(level->traffic), name);
+    return result;
+}
+
+DetailedRow detailedRow(const RowRequest& request) {
+    auto engine = std::dynamic_pointer_cast<CRowRooflineEngine>(
+        createOffloadRowRooflineInfo(request.row, request.dataset, request.roofManager,
+                                     gpu::usageOf(request.features) == TileUsage::Single));
+    const bool isAcceptable = engine != nullptr;
+    return {std::move(engine), isAcceptable, std::nullopt};
+}
+
+}  // namespace offload
 
 }  // namespace
 
@@ -120,7 +155,7 @@ const AnalysisKind& cpuAnalysis() {
         .rowTime = FieldId::SelfTime,
         .device = TargetDeviceType::Cpu,
         .tables = getCpuTables,
-        .recipe = [](const GpuDeviceProperties&) { return MetricRecipe(); },
+        .recipe = [](const ResultState&) { return MetricRecipe(); },
         .options = [](const ResultState& state, int memoryLevels) -> std::shared_ptr<const CRooflineOptions> {
             return initRooflineOptions(memoryLevels, state.metrics);
         },
@@ -178,6 +213,41 @@ const AnalysisKind& gpuAnalysis() {
         .loadSteps = {LoadStep::RebuildMetrics, LoadStep::Detect, LoadStep::ReadDevice,
                       LoadStep::RebuildOptions},
         .detailedRow = gpu::detailedRow,
+        .defaultPackages = static_cast<int>(TileUsage::Multi),
+    };
+    return kind;
+}
+
+// A target is a device like those that are measured, but all of it was worked out on the host.
+const AnalysisKind& offloadAnalysis() {
+    static const AnalysisKind kind{
+        .rows = DataType::Offload,
+        .totals = DataType::None,
+        .rowTime = FieldId::None,
+        .device = TargetDeviceType::Gpu,
+        .tables = getOffloadTables,
+        .recipe = offload::recipe,
+        .options = [](const ResultState& state, int) -> std::shared_ptr<const CRooflineOptions> {
+            return initOffloadRooflineOptions(offload::targetLevel(state));
+        },
+        .optionValues = gpu::optionValues,
+        .totalLevels = gpu::totalLevels,
+        .certainTotals = 0,
+        .roofOperations =
+            [](const std::string& configuration, const ResultState&) {
+                return roofline::getRooflineOperationType(configuration);
+            },
+        .roofConfiguration = gpu::roofConfiguration,
+        .selectMemoryRoofs =
+            [](RoofIds& selected, const std::string&, RoofPerspective, const ResultState& state, int) {
+                selected.insert(roofline_helpers::getGpuLastMemLevelRoofId(offload::targetLevel(state)));
+            },
+        .hiddenRoofs = [](generic_iterator_t<RoofItem>, RoofPerspective,
+                          const ResultState&) { return RoofIds(); },
+        .dominance = DataType::None,
+        .dominatingRoofs = nullptr,
+        .loadSteps = {},
+        .detailedRow = offload::detailedRow,
         .defaultPackages = static_cast<int>(TileUsage::Multi),
     };
     return kind;

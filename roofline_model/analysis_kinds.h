@@ -21,13 +21,15 @@ struct ResultState {
     std::shared_ptr<const CRooflineOptions> options;
     std::shared_ptr<const CMemoryLevelMetrics> metrics;
     GpuDeviceProperties device;  // as told at the last load
+    // Of a projection; its target may become known later than the options.
+    std::shared_ptr<const IPerfProjectionViewModel> projection;
 };
 
 // A row whose details are asked for.
 struct RowRequest {
     const sptr_t<RowNode>& row;
     const sptr_t<IDataset>& dataset;
-    const std::shared_ptr<ISurveyingViewModel>& viewModel;
+    const std::shared_ptr<IViewModelBase>& viewModel;
     const std::shared_ptr<IRoofManager>& roofManager;
     const RoofThreadingFeatures& features;
     int memoryLevels;
@@ -45,11 +47,12 @@ enum class LoadStep { DetectWhenNew, Detect, RebuildMetrics, ReadDevice, Rebuild
 struct AnalysisKind {
     DataType rows;    // the dataset of self data, of the roofs and of the metrics
     DataType totals;  // the dataset of total data; None when there never is one
-    FieldId rowTime;  // of a chart that stays empty: whether what has operations was timed
+    // Of a chart that stays empty: whether what has operations was timed. None: its cause isn't looked for.
+    FieldId rowTime;
     // What the captions of the roofs speak of.
     TargetDeviceType device;
     const ChartTables& (*tables)();
-    MetricRecipe (*recipe)(const GpuDeviceProperties& device);
+    MetricRecipe (*recipe)(const ResultState& state);
     // `memoryLevels` here and below: as measured, 1 when only the core's traffic was.
     std::shared_ptr<const CRooflineOptions> (*options)(const ResultState& state, int memoryLevels);
     // The option values of a selection, made fit for the tree.
@@ -70,8 +73,8 @@ struct AnalysisKind {
     roofline::RoofIds (*hiddenRoofs)(generic_iterator_t<RoofItem> roofs,
                                      roofline::RoofPerspective perspective, const ResultState& state);
 
-    // The dataset whose walk in the background finds what dominates the program, and the roofs that follow
-    // from it.
+    // The rest up to the load's steps is of measured programs: the dataset whose walk in the background finds
+    // what dominates the program, and the roofs that follow from it.
     DataType dominance;
     roofline::DominatingRoofs (*dominatingRoofs)(const DominatingRoofsTask&, const ISurveyingViewModel&,
                                                  const std::shared_ptr<const CMemoryLevelMetrics>&);
@@ -85,5 +88,6 @@ struct AnalysisKind {
 
 const AnalysisKind& cpuAnalysis();
 const AnalysisKind& gpuAnalysis();
+const AnalysisKind& offloadAnalysis();
 
 }  // namespace data_models2

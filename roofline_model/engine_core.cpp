@@ -26,8 +26,7 @@ Totals makeTotals(const AnalysisKind& kind, const ResultState& state, const sptr
     if (configurations.empty()) return {};
     const auto levels = kind.totalLevels(configurations, memoryLevels);
     const OperationsType operations = operationsOf(*configurations.begin());
-    if (!state.metrics)
-        return {getRooflineTotal(dataset, operations, levels.front(), kind.recipe(state.device))};
+    if (!state.metrics) return {getRooflineTotal(dataset, operations, levels.front(), kind.recipe(state))};
     Totals totals;
     for (const auto& level : levels) {
         auto total = getRooflineTotal(*state.metrics, operations, level, elapsedTime);
@@ -40,8 +39,7 @@ Totals makeTotals(const AnalysisKind& kind, const ResultState& state, const sptr
 
 void EngineCore::initMemoryMetrics() {
     if (!m_state.metrics && m_viewModel)
-        m_state.metrics =
-            makeMemoryMetrics(m_viewModel->getDataset(m_kind.rows), m_kind.recipe(m_state.device));
+        m_state.metrics = makeMemoryMetrics(m_viewModel->getDataset(m_kind.rows), m_kind.recipe(m_state));
 }
 
 void EngineCore::rebuildMemoryMetrics() {

@@ -26,6 +26,10 @@ public:
     const AnalysisKind& kind() const { return m_kind; }
     const std::shared_ptr<IViewModelBase>& viewModel() const { return m_viewModel; }
     void setViewModel(std::shared_ptr<IViewModelBase> viewModel) { m_viewModel = std::move(viewModel); }
+    void setProjection(const std::shared_ptr<IPerfProjectionViewModel>& projection) {
+        m_viewModel = projection;
+        m_state.projection = projection;
+    }
     const Options& options() const { return m_state.options; }
     const Metrics& metrics() const { return m_state.metrics; }
     const GpuDeviceProperties& device() const { return m_state.device; }

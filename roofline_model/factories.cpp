@@ -5,6 +5,8 @@
 #include "roofline_model/gpu_roofline_engine.h"
 #include "roofline_model/gpu_row_roofline_helper.h"
 #include "roofline_model/guard.h"
+#include "roofline_model/offload_roofline_engine.h"
+#include "roofline_model/offload_row_roofline_helper.h"
 #include "roofline_model/roofline_engine.h"
 #include "roofline_model/row_roofline_engine.h"
 
@@ -22,6 +24,11 @@ std::shared_ptr<IRooflineInfo> createRooflineInfo(std::shared_ptr<ISurveyingView
 
 std::shared_ptr<IRooflineInfo> createGpuRooflineInfo(std::shared_ptr<ISurveyingViewModel> viewModel) {
     return std::make_shared<CGpuRooflineEngine>(std::move(viewModel));
+}
+
+std::shared_ptr<IRooflineInfo> createOffloadRooflineInfo(
+    std::shared_ptr<IPerfProjectionViewModel> viewModel) {
+    return std::make_shared<COffloadRooflineEngine>(std::move(viewModel));
 }
 
 std::shared_ptr<IRowRooflineInfo> createRowRooflineInfo(const sptr_t<RowNode>& row,
@@ -65,6 +72,17 @@ std::shared_ptr<IRowRooflineInfo> createGpuRowRooflineInfo(
         if (!row || !secondDataset || !rowLinker) return nullptr;
         const GpuOperationMapProvider operations(rowLinker->getLinkedRow(row), secondDataset);
         auto helper = std::make_shared<GpuRowRooflineHelper>(operations.getOperationMap(), roofs, device);
+        return std::make_shared<CRowRooflineEngine>(row, dataset, std::move(helper));
+    });
+}
+
+std::shared_ptr<IRowRooflineInfo> createOffloadRowRooflineInfo(const sptr_t<RowNode>& row,
+                                                               const sptr_t<IDataset>& dataset,
+                                                               std::shared_ptr<IRoofManager> roofManager,
+                                                               bool singleSubDevice) {
+    using Info = std::shared_ptr<IRowRooflineInfo>;
+    return roofline::guarded(Info(), [&]() -> Info {
+        auto helper = std::make_shared<OffloadRowRooflineHelper>(std::move(roofManager), singleSubDevice);
         return std::make_shared<CRowRooflineEngine>(row, dataset, std::move(helper));
     });
 }

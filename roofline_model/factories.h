@@ -15,6 +15,10 @@ OMBRIX_API std::shared_ptr<IRooflineInfo> createRooflineInfo(std::shared_ptr<ISu
 OMBRIX_API std::shared_ptr<IRooflineInfo> createGpuRooflineInfo(
     std::shared_ptr<ISurveyingViewModel> viewModel);
 
+// The same of a projection. Nothing of it is answered later: all is known when a load was told of.
+OMBRIX_API std::shared_ptr<IRooflineInfo> createOffloadRooflineInfo(
+    std::shared_ptr<IPerfProjectionViewModel> viewModel);
+
 // The roofline of one row of a CPU result, worked out at once. `memoryLevelCount`: caches and main memory
 // that were measured, 1 when only the core's traffic was. A null row, dataset, roof manager or threading
 // record is asserted and gives a row that isn't valid; null only when the work failed.
@@ -34,5 +38,12 @@ OMBRIX_API std::shared_ptr<IRowRooflineInfo> createGpuRowRooflineInfo(
     const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset, const sptr_t<IDataset>& secondDataset,
     const std::shared_ptr<IDatasetRowLinker>& rowLinker, const generic_iterator_t<RoofItem>& roofs,
     const GpuDeviceProperties& device);
+
+// The roofline of one row of a projection, worked out at once, under the roofs of one sub-device of the
+// target or of all. A null row or dataset is asserted; it and a null roof table give a row that isn't valid.
+// Null only when the work failed.
+OMBRIX_API std::shared_ptr<IRowRooflineInfo> createOffloadRowRooflineInfo(
+    const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset, std::shared_ptr<IRoofManager> roofManager,
+    bool singleSubDevice);
 
 }  // namespace data_models2

@@ -67,20 +67,24 @@ bool roofline::helpers::parseLoopAdditionalInfoRequest(const std::string& reques
     return loadBag(request, bag);
 }
 
+LoopDetails::LoopDetails(const EngineCore& core, const std::shared_ptr<ISurveyingViewModel>& measured)
+    : LoopDetails(core,
+                  {measured, roofline::getThreadsInfo(measured), roofline::getMemoryLevelsCount(measured)}) {}
+
 bool LoopDetails::initDataForLoopAdditionalInfo(
     const variant_bag_t& bag, const std::string& configuration,
     const std::shared_ptr<LoopAdditionalInfoParams>& params) const {
-    if (!params || !params->configurations.init(configuration, m_core.options()) || !m_viewModel)
+    if (!params || !params->configurations.init(configuration, m_core.options()) || !m_source.viewModel)
         return false;
     if (params->configurations.empty()) return false;
-    params->dataset =
-        EngineCore::chooseDataset(m_core.kind(), *m_viewModel, params->configurations, nullptr, nullptr);
+    params->dataset = EngineCore::chooseDataset(m_core.kind(), *m_source.viewModel, params->configurations,
+                                                nullptr, nullptr);
     if (!params->dataset) return false;
-    roofline::parseRoofParams(bag, roofline::getThreadsInfo(m_viewModel), params->features);
+    roofline::parseRoofParams(bag, m_source.threads, params->features);
     if (bag.find("packageCount") == bag.not_found())
         params->features.packageCount =
             std::max(params->features.packageCount, m_core.kind().defaultPackages);
-    params->roofManager = m_viewModel->getRoofManager(params->dataset->getDataType());
+    params->roofManager = m_source.viewModel->getRoofManager(params->dataset->getDataType());
     return params->roofManager != nullptr;
 }
 
@@ -112,8 +116,7 @@ std::string LoopDetails::getComparisonData(const EngineCore& core, const Compari
         const auto id = bag.find(name);
         const auto objectId = id == bag.not_found() ? std::string() : toText(id->second.data());
         return VBagAttr<variant_bag_t>{name,
-                                       LoopDetails(core, viewModel, roofline::getMemoryLevelsCount(viewModel))
-                                           .getObjectBag(objectId, configuration)};
+                                       LoopDetails(core, viewModel).getObjectBag(objectId, configuration)};
     };
     variant_bag_t result;
     VBagHelper::addAttribute(result, VBagAttr<std::string>{"conf", configuration});
@@ -124,8 +127,9 @@ std::string LoopDetails::getComparisonData(const EngineCore& core, const Compari
 
 variant_bag_t LoopDetails::getLoopAdditionalInfoBag(const std::string& id, const sptr_t<RowNode>& row,
                                                     const LoopAdditionalInfoParams& params) const {
-    const DetailedRow detailed = m_core.kind().detailedRow(
-        {row, params.dataset, m_viewModel, params.roofManager, params.features, m_memoryLevels});
+    const DetailedRow detailed =
+        m_core.kind().detailedRow({row, params.dataset, m_source.viewModel, params.roofManager,
+                                   params.features, m_source.memoryLevels});
     const auto& engine = detailed.engine;
     variant_bag_t result;
     const auto add = [&](const char* name, const variant_bag_t& bag) {
@@ -194,7 +198,7 @@ std::vector<std::string> LoopDetails::describeLimit(const CRowRooflineEngine& en
 }
 
 variant_bag_t LoopDetails::getThreads(const RoofThreadingFeatures& features) const {
-    const ThreadsInfo info = roofline::getThreadsInfo(m_viewModel);
+    const ThreadsInfo& info = m_source.threads;
     variant_bag_t result;
     const auto add = [&](const char* name, int value) {
         VBagHelper::addAttribute(result, VBagAttr<int>{name, value});

@@ -30,11 +30,18 @@ bool parseLoopAdditionalInfoRequest(const std::string& request, variant_bag_t& b
 
 }  // namespace roofline::helpers
 
+// The result whose loops are asked about.
+struct DetailsSource {
+    std::shared_ptr<IViewModelBase> viewModel;
+    ThreadsInfo threads;   // all 0 where there is no choice of threads
+    int memoryLevels = 1;  // as measured
+};
+
 // The view of one result; it refers to the core of the engine that asks.
 class LoopDetails {
 public:
-    LoopDetails(const EngineCore& core, std::shared_ptr<ISurveyingViewModel> viewModel, int memoryLevels)
-        : m_core(core), m_viewModel(std::move(viewModel)), m_memoryLevels(memoryLevels) {}
+    LoopDetails(const EngineCore& core, DetailsSource source) : m_core(core), m_source(std::move(source)) {}
+    LoopDetails(const EngineCore& core, const std::shared_ptr<ISurveyingViewModel>& measured);
 
     // The values of the pair of rows whose object ids are "first" and "second" of the bag `ids`, `data`
     // giving both results.
@@ -63,8 +70,7 @@ private:
     variant_bag_t getThreads(const RoofThreadingFeatures& features) const;
 
     const EngineCore& m_core;
-    std::shared_ptr<ISurveyingViewModel> m_viewModel;
-    int m_memoryLevels;
+    DetailsSource m_source;
 };
 
 }  // namespace data_models2

@@ -72,7 +72,7 @@ std::string MeasuredProgram::getSelectedRoofs(const std::string& configuration,
 std::string MeasuredProgram::getLoopAdditionalInfo(const std::string& request,
                                                    const std::string& configuration) const {
     return guarded(std::string(), [&] {
-        return LoopDetails(m_core, m_viewModel, memoryLevels()).getLoopAdditionalInfo(request, configuration);
+        return LoopDetails(m_core, m_viewModel).getLoopAdditionalInfo(request, configuration);
     });
 }
 

@@ -61,6 +61,10 @@ constexpr auto kLevelMessages = std::to_array<std::pair<const char*, const char*
     {"slmgpu", "roofline_options_slm"},
     {"dramgpu", "roofline_options_dram"},
     {"hbmgpu", "roofline_options_hbm"},
+    {"l1gpu", "roofline_options_l1_gpu"},
+    {"edramgpu", "roofline_options_edram"},
+    {"gddr6gpu", "roofline_options_gddr6"},
+    {"llcgpu", "roofline_options_llc"},
 });
 
 struct AxisMessages {

@@ -70,9 +70,12 @@ void fillDocument(rabbit::object& root, const DocumentRequest& request, Roofline
         return true;
     };
     const auto onLoop = [&](CLoopInfo&) { collector.chart(); };
-    if (!fillRooflineData(root, dataset, options, configurations, totals, tables, selfData, viewRect,
-                          rowFilter, onLoop))
-        addNoDataMessage(root, dataset, selfData, first, collector.statistics());
+    if (fillRooflineData(root, dataset, options, configurations, totals, tables, selfData, viewRect,
+                         rowFilter, onLoop))
+        return;
+    if (time == FieldId::None)
+        return addNoDataMessage(root, "roofline_no_data_title", "roofline_no_data_descr");
+    addNoDataMessage(root, dataset, selfData, first, collector.statistics());
 }
 
 void addBounds(rabbit::object& object, const RooflineViewRect& rect) {

@@ -20,7 +20,7 @@ struct DocumentRequest {
     const std::vector<roofline::helpers::SRooflineTotal>& totals;
     const ChartTables& tables;
     bool selfData;
-    FieldId time;  // of a row
+    FieldId time;  // of a row; None: why a chart stays empty isn't looked for
 };
 
 // The compact text of the document; one that can't be drawn holds "noDataMessage" alone. The rectangle is

@@ -15,18 +15,18 @@ FLOORS = """
 0  host_interfaces/:   export ids fields.inc values records signals model message_ids.inc roofline_services
                        host_functions comparison progress tasks
 1  roofline_model/:    row_data_access translation logging guard rabbit bag_helpers roof_names
-2  roofline_model/:    threading operation_map gpu_operation_map_provider
-2  roofline_model/unified/:    value_getters roofline_options configurations gpu_levels
+2  roofline_model/:    threading operation_map gpu_operation_map_provider offload_operation_map
+2  roofline_model/unified/:    value_getters roofline_options configurations gpu_levels offload_levels
 3  roofline_model/:    memory_metrics dominating_type_helper dominating_roofs_task compute_roofs
 3  roofline_model/unified/:    roofline_totals
 4  roofline_model/:    selected_roofs cpu_roof_choice gpu_roof_choice instruction_mix_summary
 4  roofline_model/unified/:    option_tables loop_params loop_params_tables cpu_loop_params_tables
-                               gpu_loop_params_tables row_walk row_reader loops view_rect chart_range
+                               gpu_loop_params_tables offload_loop_params_tables row_walk row_reader loops view_rect chart_range
 5  roofline_model/:    row_roofline_helper row_roofline_engine row_memory_levels cpu_row_roofline_helper
-                       gpu_row_roofline_helper chart_widgets
+                       gpu_row_roofline_helper offload_row_roofline_helper chart_widgets
 6  roofline_model/:    row_result json_dumps roofline_summary program_summary loop_details analysis_kinds roof_catalogue
                        no_data_rules roofline_document engine_core program_dominance measured_program
-                       roofline_engine gpu_roofline_engine report_helpers factories
+                       roofline_engine gpu_roofline_engine offload_roofline_engine report_helpers factories
 """
 
 # What a whole folder sees beside itself: floors of the table up to a number, or the files named.

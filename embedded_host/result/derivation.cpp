@@ -21,6 +21,7 @@ enum class Operation {
     AllThreads,   // a * used threads
     Sum,          // a + b; of those present when one is missing
     Ratio,        // a / b; missing when b is 0
+    Giga,         // a / 1e9
     Total,        // a of the row + this field of its children; of those present
 };
 
@@ -88,6 +89,31 @@ constexpr auto kGpuRules = std::to_array<Rule>({
     {SelfFloatAi, Operation::Ratio, SelfFloatOps, GpuCarmTraffic},
     {SelfIntAi, Operation::Ratio, SelfIntOps, GpuCarmTraffic},
     {GpuL3Bandwidth, Operation::Ratio, GpuL3Traffic, GpuElapsedTime},
+});
+
+// A projected row stands for all that is below it. Its own intensity is taken over the first cache.
+constexpr auto kOffloadRules = std::to_array<Rule>({
+    {RowKey, Operation::RowId},
+    {MangledName, Operation::Copy, FunctionName},
+    {TotalFloatOps, Operation::Sum, OffloadFloat32Ops, OffloadFloat64Ops},
+    {TotalIntOps, Operation::Sum, OffloadInt32Ops, OffloadInt64Ops},
+    {TotalMixedOps, Operation::Sum, TotalFloatOps, TotalIntOps},
+    {TotalMem, Operation::Giga, OffloadL1Bytes},
+    {TotalGFlops, Operation::Ratio, TotalFloatOps, OffloadElapsedTime},
+    {TotalGIntOps, Operation::Ratio, TotalIntOps, OffloadElapsedTime},
+    {TotalGMixedOps, Operation::Ratio, TotalMixedOps, OffloadElapsedTime},
+    {TotalFloatAi, Operation::Ratio, TotalFloatOps, TotalMem},
+    {TotalIntAi, Operation::Ratio, TotalIntOps, TotalMem},
+    {TotalMixedAi, Operation::Ratio, TotalMixedOps, TotalMem},
+    {OffloadL1Bandwidth, Operation::Ratio, OffloadL1Bytes, OffloadElapsedTime},
+    {OffloadL3Bandwidth, Operation::Ratio, OffloadL3Bytes, OffloadElapsedTime},
+    {OffloadLlcBandwidth, Operation::Ratio, OffloadLlcBytes, OffloadElapsedTime},
+    {OffloadDramBandwidth, Operation::Ratio, OffloadDramBytes, OffloadElapsedTime},
+    {OffloadHbmBandwidth, Operation::Ratio, OffloadHbmBytes, OffloadElapsedTime},
+    {OffloadEdramBandwidth, Operation::Ratio, OffloadEdramBytes, OffloadElapsedTime},
+    {OffloadGddr6Bandwidth, Operation::Ratio, OffloadGddr6Bytes, OffloadElapsedTime},
+    {OffloadXliBandwidth, Operation::Ratio, OffloadXliBytes, OffloadElapsedTime},
+    {OffloadSlmBandwidth, Operation::Ratio, OffloadSlmBytes, OffloadElapsedTime},
 });
 
 FieldType typeOf(FieldId field) { return kFields[static_cast<std::size_t>(fieldSlot(field))].type; }
@@ -164,6 +190,7 @@ private:
             }
             case Operation::PerThread:
             case Operation::AllThreads:
+            case Operation::Giga:
                 return !a;
             case Operation::Sum:
                 return !a && !b;
@@ -200,6 +227,11 @@ private:
                     return isPerThread ? from[row] / m_threads : from[row] * m_threads;
                 });
                 return;
+            }
+            case Operation::Giga: {
+                if (!a) return;
+                const double* const from = a->as<double>().data();
+                return calculate(target, where(*a), [&](auto row) { return from[row] / 1e9; });
             }
             case Operation::Sum:
                 return sum(a, b, target);
@@ -277,7 +309,9 @@ void derive(RowTable& table, ResultKind kind, std::uint32_t usedThreads) {
     Deriver deriver(table, usedThreads);
     const std::span<const Rule> cpu(kCpuRules);
     const std::span<const Rule> gpu(kGpuRules);
-    for (const auto& rule : kind == ResultKind::Gpu ? gpu : cpu) deriver.apply(rule);
+    const std::span<const Rule> offload(kOffloadRules);
+    for (const auto& rule : kind == ResultKind::Cpu ? cpu : kind == ResultKind::Gpu ? gpu : offload)
+        deriver.apply(rule);
 }
 
 }  // namespace embedded_host

@@ -7,7 +7,6 @@
 #include "embedded_host/result/dataset.h"
 #include "embedded_host/result/gpu_roof_table.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace embedded_host {
@@ -62,11 +61,7 @@ public:
     }
 
 private:
-    // As far as the machine file tells for how many its roofs are.
-    int subDeviceCount() const {
-        if (m_device && m_device->subDeviceCount > 0) return static_cast<int>(m_device->subDeviceCount);
-        return std::max(1, m_machine->packages);
-    }
+    int subDeviceCount() const { return subDevicesOf(m_device, *m_machine); }
 
     const ResultFile m_result;
     const std::shared_ptr<const Machine> m_machine;

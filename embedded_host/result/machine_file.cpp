@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cctype>
 #include <tuple>
 
@@ -15,8 +16,9 @@ namespace {
 using namespace data_models2;
 
 constexpr auto kMachineMembers = std::to_array<std::string_view>(
-    {"format", "version", "name", "cores", "packages", "roofs", "custom", "device"});
+    {"format", "version", "name", "cores", "packages", "roofs", "custom", "device", "taxes"});
 constexpr auto kCoreMembers = std::to_array<std::string_view>({"logical", "physical"});
+constexpr auto kTaxMembers = std::to_array<std::string_view>({"launch", "transfer"});
 constexpr auto kRoofMembers = std::to_array<std::string_view>(
     {"id", "name", "value", "unit", "threads", "packages", "strategy", "level", "arith", "opKind", "how"});
 constexpr auto kCustomMembers =
@@ -71,13 +73,14 @@ public:
     explicit MachineReader(const JsonFile& file) : m_file(file) {}
 
     Machine read(const JsonValue& value) {
-        const auto [format, version, name, cores, packages, roofs, custom, device] =
+        const auto [format, version, name, cores, packages, roofs, custom, device, taxes] =
             m_file.members(value, kMachineMembers);
         m_file.header(value, format, version, "roofline-machine");
         if (name) m_machine.name = m_file.text(*name);
         if (cores) readCores(*cores);
         if (packages) m_machine.packages = count(*packages);
         if (device) m_machine.device = readDevice(m_file, *device);
+        if (taxes) readTaxes(*taxes);
         if (roofs) {
             for (const auto& roof : m_file.array(*roofs).GetArray()) readRoof(roof);
             refuseTwins(m_machine.roofs, *roofs);
@@ -101,6 +104,12 @@ private:
         if (logical && physical && m_machine.logicalCores < m_machine.physicalCores) {
             m_file.refuse(*logical, fmt::format("at least the {} physical cores", m_machine.physicalCores));
         }
+    }
+
+    void readTaxes(const JsonValue& value) {
+        const auto [launch, transfer] = m_file.members(value, kTaxMembers);
+        if (launch) m_machine.taxes.launch = m_file.amount(*launch);
+        if (transfer) m_machine.taxes.transfer = m_file.amount(*transfer);
     }
 
     void readRoof(const JsonValue& value) {
@@ -236,6 +245,11 @@ Machine openMachine(const std::string& path) {
     auto machine = readMachine(file, file.root());
     machine.file = path;
     return machine;
+}
+
+int subDevicesOf(const std::optional<GpuDeviceProperties>& device, const Machine& machine) {
+    const auto own = device ? device->subDeviceCount : 0;
+    return own > 0 ? static_cast<int>(own) : std::max(1, machine.packages);
 }
 
 }  // namespace embedded_host

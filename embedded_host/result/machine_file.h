@@ -25,6 +25,12 @@ constexpr int evenThreads(int threads) {
     return threads > 1 && threads < kMaxThreads ? threads + threads % 2 : threads;
 }
 
+// What a row costs on a device beside its work: seconds for each call.
+struct Taxes {
+    double launch = 0.0;
+    double transfer = 0.0;
+};
+
 struct Machine {
     std::string file;  // that it was read from; empty when it stands in a result
     std::string name;
@@ -36,7 +42,12 @@ struct Machine {
     // thread counts are even or 1.
     std::vector<MeasuredRoof> custom;
     std::optional<data_models2::GpuDeviceProperties> device;  // whose roofs these are
+    Taxes taxes;
 };
+
+// What all sub-devices stand for, at least 1: the device's own number, else that of the machine's packages,
+// as far as its file tells for how many its roofs are.
+int subDevicesOf(const std::optional<data_models2::GpuDeviceProperties>& device, const Machine& machine);
 
 // `value` is the object of a machine: a machine file's root, or the member of a result file. Throws
 // FileError.

@@ -3,6 +3,7 @@
 
 #include "embedded_host/embedded_host.h"
 #include "embedded_host/result/gpu_view_model.h"
+#include "embedded_host/result/offload_view_model.h"
 #include "embedded_host/result/own_roofs.h"
 #include "embedded_host/result/view_model.h"
 
@@ -13,29 +14,71 @@ namespace embedded_host {
 namespace {
 using namespace data_models2;
 
+DataType rowsOf(ResultKind kind) {
+    return kind == ResultKind::Cpu   ? DataType::Cpu
+           : kind == ResultKind::Gpu ? DataType::Gpu
+                                     : DataType::Offload;
+}
+
+// One of the two view models is there.
+struct Views {
+    std::shared_ptr<ISurveyingViewModel> measured;
+    std::shared_ptr<IPerfProjectionViewModel> projected;
+};
+
 class LoadedResult final : public Result {
 public:
-    LoadedResult(ResultKind kind, std::shared_ptr<ISurveyingViewModel> viewModel,
-                 std::shared_ptr<const Machine> machine)
-        : m_kind(kind), m_viewModel(std::move(viewModel)), m_machine(std::move(machine)) {}
+    LoadedResult(ResultKind kind, std::string targetName, Views views, std::shared_ptr<const Machine> machine)
+        : m_kind(kind),
+          m_targetName(std::move(targetName)),
+          m_views(std::move(views)),
+          m_machine(std::move(machine)) {}
     ResultKind kind() const override { return m_kind; }
     std::string machineName() const override { return m_machine->name; }
     std::string machineFile() const override { return m_machine->file; }
+    std::string targetName() const override { return m_targetName; }
     std::string ownRoofsFault() const override {
-        const auto table =
-            m_viewModel->getRoofManager(m_kind == ResultKind::Gpu ? DataType::Gpu : DataType::Cpu);
+        const auto table = base().getRoofManager(rowsOf(m_kind));
         return table ? embedded_host::ownRoofsFault(*table) : std::string();
     }
-    std::shared_ptr<ISurveyingViewModel> viewModel() const override { return m_viewModel; }
+    std::shared_ptr<ISurveyingViewModel> viewModel() const override { return m_views.measured; }
+    std::shared_ptr<IPerfProjectionViewModel> projection() const override { return m_views.projected; }
     void load(IViewModelBase::LoadType type) override {
-        m_viewModel->onSurveyResultLoaded().raise(type, m_viewModel->getResultDirectory());
+        auto& loaded = m_views.projected ? m_views.projected->onResultLoaded()
+                                         : m_views.measured->onSurveyResultLoaded();
+        loaded.raise(type, base().getResultDirectory());
     }
 
 private:
+    const IViewModelBase& base() const {
+        if (m_views.projected) return *m_views.projected;
+        return *m_views.measured;
+    }
+
     const ResultKind m_kind;
-    const std::shared_ptr<ISurveyingViewModel> m_viewModel;
+    const std::string m_targetName;
+    const Views m_views;
     const std::shared_ptr<const Machine> m_machine;
 };
+
+// The target, else the machine's device; of other kinds nothing.
+std::string targetNameOf(const ResultFile& result, const Machine& machine) {
+    if (result.kind != ResultKind::Offload) return {};
+    if (result.target && !result.target->name.empty()) return result.target->name;
+    return machine.device ? machine.device->name : std::string();
+}
+
+Views makeViews(ResultFile result, const std::shared_ptr<const Machine>& machine, const std::string& path) {
+    switch (result.kind) {
+        case ResultKind::Gpu:
+            return {makeGpuViewModel(std::move(result), machine, path), nullptr};
+        case ResultKind::Offload:
+            return {nullptr, makeOffloadViewModel(std::move(result), machine, path)};
+        case ResultKind::Cpu:
+            break;
+    }
+    return {makeViewModel(std::move(result), machine, path), nullptr};
+}
 
 // A machine without roofs when none is known.
 Machine findMachine(ResultFile& result, const std::string& path, const OpenOptions& options) {
@@ -57,9 +100,9 @@ std::shared_ptr<Result> parseResult(const std::string& text, const std::string& 
     auto result = readResult(JsonFile(path, text));
     auto machine = std::make_shared<const Machine>(findMachine(result, path, options));
     const auto kind = result.kind;
-    const auto make = kind == ResultKind::Gpu ? makeGpuViewModel : makeViewModel;
-    auto viewModel = make(std::move(result), machine, path);
-    return std::make_shared<LoadedResult>(kind, std::move(viewModel), std::move(machine));
+    auto target = targetNameOf(result, *machine);
+    auto views = makeViews(std::move(result), machine, path);
+    return std::make_shared<LoadedResult>(kind, std::move(target), std::move(views), std::move(machine));
 }
 
 std::shared_ptr<Result> openResult(const std::string& path, const OpenOptions& options) {

@@ -67,14 +67,29 @@ void readLevels(const JsonFile& file, const JsonValue& value, ResultFile& result
     if (result.levels.empty()) file.fail(value, "expected the name of at least one memory level");
 }
 
-// The total elapsed time of the top rows; on a device the time of all kernels.
+// Which member of the head belongs to results of one kind, and the field of their rows' elapsed time.
+struct KindTraits {
+    FieldId time;
+    bool hasLevels = false;
+    bool hasDevice = false;
+    bool hasTarget = false;
+};
+// By ResultKind.
+constexpr auto kKinds = std::to_array<KindTraits>({
+    {.time = FieldId::TotalElapsedTime, .hasLevels = true},
+    {.time = FieldId::GpuElapsedTime, .hasDevice = true},
+    {.time = FieldId::OffloadElapsedTime, .hasTarget = true},
+});
+
+// The total elapsed time of the top rows; on a device the time of all kernels, on a target that of all rows.
 double elapsedTimeOf(const RowTable& rows, ResultKind kind) {
-    const bool isGpu = kind == ResultKind::Gpu;
-    const auto* const times = rows.find(isGpu ? FieldId::GpuElapsedTime : FieldId::TotalElapsedTime);
+    const auto* const times = rows.find(kKinds[static_cast<std::size_t>(kind)].time);
     if (!times) return 0.0;
+    const bool isTree = kind == ResultKind::Cpu;
     double sum = 0.0;
-    for (std::size_t row = 0; row < rows.size(); row = isGpu ? row + 1 : rows.ends[row]) {
-        if (!isGpu || (rows.types[row] & row_type::kGpuTask)) sum += times->as<double>()[row];
+    for (std::size_t row = 0; row < rows.size(); row = isTree ? rows.ends[row] : row + 1) {
+        if (kind != ResultKind::Gpu || (rows.types[row] & row_type::kGpuTask))
+            sum += times->as<double>()[row];
     }
     return std::isfinite(sum) ? sum : 0.0;
 }
@@ -89,9 +104,10 @@ ResultFile readResult(const JsonFile& file) {
     file.need(root, kind, "kind");
     ResultFile result;
     result.kind = static_cast<ResultKind>(file.choice(*kind, kResultKinds));
-    const bool isGpu = result.kind == ResultKind::Gpu;
-    if (result.kind == ResultKind::Offload) file.fail(*kind, "kind offload is not supported yet");
-    for (const auto* const foreign : {isGpu ? levels : device, target}) {
+    const auto& traits = kKinds[static_cast<std::size_t>(result.kind)];
+    for (const auto* const foreign :
+         {traits.hasLevels ? nullptr : levels, traits.hasDevice ? nullptr : device,
+          traits.hasTarget ? nullptr : target}) {
         if (foreign) file.fail(*foreign, "not a member of a result of kind " + std::string(textOf(*kind)));
     }
     result.program.name = std::filesystem::path(file.name()).stem().string();
@@ -100,13 +116,14 @@ ResultFile readResult(const JsonFile& file) {
     if (levels) readLevels(file, *levels, result);
     if (result.levels.empty()) result.levels = {"L1"};
     if (device) result.device = readDevice(file, *device);
+    if (target) result.target = readTarget(file, *target);
 
     file.need(root, rows, "rows");
     auto table = readRows(file, *rows, result.kind);
     derive(table, result.kind, static_cast<std::uint32_t>(result.usedThreads));
     const double total = elapsedTimeOf(table, result.kind);
     if (!elapsedTime) result.program.elapsedTime = total;
-    if (isGpu) result.kernelTime = total;
+    if (result.kind == ResultKind::Gpu) result.kernelTime = total;
     result.rows = std::make_shared<const RowTable>(std::move(table));
     return result;
 }

@@ -5,6 +5,7 @@
 
 #include "embedded_host/embedded_host.h"
 #include "embedded_host/result/columns.h"
+#include "embedded_host/result/device.h"
 #include "embedded_host/result/machine_file.h"
 
 #include <memory>
@@ -21,7 +22,8 @@ struct ResultFile {
     std::uint64_t collected = 0;      // bits of collected_data
     std::vector<std::string> levels;  // outermost last; of a CPU result
     std::optional<data_models2::GpuDeviceProperties> device;
-    double kernelTime = 0.0;  // seconds, of a GPU result: that of all kernels
+    std::optional<Target> target;  // of an offload result
+    double kernelTime = 0.0;       // seconds, of a GPU result: that of all kernels
     std::shared_ptr<const RowTable> rows;
 
     std::string machinePath;         // as the file says; empty: none

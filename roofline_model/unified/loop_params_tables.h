@@ -14,5 +14,6 @@ struct ChartTables {
 
 const ChartTables& getCpuTables();
 const ChartTables& getGpuTables();
+const ChartTables& getOffloadTables();
 
 }  // namespace data_models2

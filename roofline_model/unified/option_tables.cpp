@@ -3,6 +3,7 @@
 #include "roofline_model/roof_names.h"
 #include "roofline_model/translation.h"
 #include "roofline_model/unified/gpu_levels.h"
+#include "roofline_model/unified/offload_levels.h"
 
 #include <algorithm>
 #include <array>
@@ -66,10 +67,12 @@ COptionGroup makeCpuLevelGroup(int memoryLevelsCount) {
     return result;
 }
 
-COptionGroup makeGpuLevelGroup(const std::vector<std::string>& levels) {
+// `find`: the record of a level by its name; null when nothing is known of it.
+template <class Find>
+COptionGroup makeDeviceLevelGroup(const std::vector<std::string>& levels, Find&& find) {
     auto result = makeLevelGroup();
     for (const auto& name : levels)
-        if (const auto* const level = findGpuLevel(name)) addLevel(result, name, level->explanation);
+        if (const auto* const level = find(name)) addLevel(result, name, level->explanation);
     result.setDefRooflineTypes({levels.back()});
     return result;
 }
@@ -108,7 +111,7 @@ std::shared_ptr<CRooflineOptions> initRooflineOptions(
     const auto levels = getGpuMemoryLevels(device);
     const auto type = roofline::getDominatingType(metrics);
     auto options = std::make_shared<CRooflineOptions>();
-    options->addOptionGroup(makeGpuLevelGroup(levels));
+    options->addOptionGroup(makeDeviceLevelGroup(levels, findGpuLevel));
     options->insertOptionGroup(
         0, makeGroup<CRadioOptionsStrategy>("roofline_options_operations_caption", kGpuOperations,
                                             {roofline::getRooflineTypeFromOpsType(type)}));
@@ -116,6 +119,16 @@ std::shared_ptr<CRooflineOptions> initRooflineOptions(
     options->setDefConfigurationCaption(roofline::translate(
         "roofline_options_def_config_integrated_gpu_caption", roofline::translate(operations.caption),
         roofline::helpers::getMemLevelCaption(levels.back())));
+    return options;
+}
+
+std::shared_ptr<CRooflineOptions> initOffloadRooflineOptions(const std::string& targetLevel) {
+    const auto find = [](const std::string& name) { return findOffloadLevel(name); };
+    auto options = std::make_shared<CRooflineOptions>();
+    options->addOptionGroup(makeDeviceLevelGroup(getOffloadMemoryLevels(targetLevel), find));
+    options->insertOptionGroup(
+        0, makeGroup<CRadioOptionsStrategy>("roofline_options_operations_caption", kOperations,
+                                            {roofline::getRooflineTypeFromOpsType(OperationsType::Float)}));
     return options;
 }
 

@@ -7,6 +7,7 @@
 #include "roofline_model/unified/roofline_options.h"
 
 #include <memory>
+#include <string>
 
 namespace data_models2 {
 
@@ -20,5 +21,10 @@ std::shared_ptr<CRooflineOptions> initRooflineOptions(
 // but stays the default.
 std::shared_ptr<CRooflineOptions> initRooflineOptions(
     const std::shared_ptr<const CMemoryLevelMetrics>& metrics, const GpuDeviceProperties& device);
+
+// The tree of a projection on a target: the operations, by default float whatever there are, and the target's
+// levels, by default the last. `targetLevel`: that of its memory; one that is unknown or listed before stands
+// twice, one of which nothing is known isn't offered, but stays the default.
+std::shared_ptr<CRooflineOptions> initOffloadRooflineOptions(const std::string& targetLevel);
 
 }  // namespace data_models2

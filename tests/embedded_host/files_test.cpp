@@ -123,6 +123,10 @@ TEST(Schemas, HoldTheExamplesAndThePages) {
         EXPECT_EQ(schemaRefusal(name + "_file.schema.json", example), "");
         EXPECT_EQ(schemaRefusal(name + "_file.schema.json", exampleOf(name + "_file.md")), "");
     }
+    for (const std::string name : {"measured", "projected"}) {
+        const auto example = readFile(kSource + "/examples/offload_v100/" + name + ".json");
+        EXPECT_EQ(schemaRefusal("result_file.schema.json", example), "") << name;
+    }
     const auto whole = resultText("", R"(, "machine": )" + machinePage);
     EXPECT_EQ(schemaRefusal("result_file.schema.json", whole), "");
     OpenOptions withQuickMachine{.machineFile = kSource + "/examples/quick/machine.json"};

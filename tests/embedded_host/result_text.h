@@ -24,6 +24,12 @@ inline std::string gpuText(const std::string& rows, const std::string& members =
            rows + "]}";
 }
 
+// The same of a projection.
+inline std::string offloadText(const std::string& rows, const std::string& members = "") {
+    return R"({"format": "roofline-result", "version": 1, "kind": "offload")" + members + R"(, "rows": [)" +
+           rows + "]}";
+}
+
 inline std::shared_ptr<data_models2::ISurveyingViewModel> viewOf(const std::string& rows,
                                                                  const std::string& members = "") {
     return parseResult(resultText(rows, members), "test.json")->viewModel();

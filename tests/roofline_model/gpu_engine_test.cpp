@@ -181,7 +181,7 @@ TEST(GpuOptionTree, OffersTheLevelsOfTheDevice) {
         {MemoryLevel::Dram, " DRAMgpu", "DRAMgpu DRAM"},
         {MemoryLevel::Hbm, " HBMgpu", "HBMgpu HBM"},
         {MemoryLevel::None, " XLIgpu", "XLIgpu XLI"},
-        {MemoryLevel::Gddr6, "", "GDDR6gpu GDDR6gpu"},  // of this one nothing is known
+        {MemoryLevel::Gddr6, "", "GDDR6gpu GDDR6"},  // of this one nothing is known
     };
     const auto integers =
         makeMemoryMetrics(makeDataset("a SelfElapsedTime=1 SelfFloatOps=1 SelfIntOps=2"), {});

@@ -1,0 +1,186 @@
+// The engine of a projection: its tables, its tree, what a load changes, what dominates, and what it has not.
+#include "host_interfaces/comparison.h"
+
+#include "roofline_model/offload_roofline_engine.h"
+#include "roofline_model/translation.h"
+
+#include "tests/roofline_model/row_test_host.h"
+
+#include <boost/algorithm/string/case_conv.hpp>
+#include <boost/algorithm/string/replace.hpp>
+
+namespace data_models2::test {
+namespace {
+
+using enum OperationsType;
+using Perspective = IRooflineInfo::Perspective;
+using roofline::translate;
+
+struct ProjectionView final : IPerfProjectionViewModel {
+    sptr_t<IDataset> getDataset(DataType type) const override {
+        return type == DataType::Offload ? regions : nullptr;
+    }
+    std::shared_ptr<IRoofManager> getRoofManager(DataType) const override { return roofs; }
+    ProgramInfo getProgramInfo() const override { return {"program", 0.0}; }
+    std::string getResultDirectory() const override { return {}; }
+    LoadSignal& onResultLoaded() override { return loaded; }
+    std::string getTargetMemoryName() const override {
+        return memory.empty() ? throw std::runtime_error("no answer") : memory;
+    }
+    void load() { loaded.raise(LoadType::Refresh, ""); }
+
+    sptr_t<IDataset> regions;
+    std::shared_ptr<RoofTable> roofs = std::make_shared<RoofTable>();
+    std::string memory = "HBM";
+    LoadSignal loaded;
+};
+
+std::shared_ptr<ProjectionView> makeView() {
+    const auto view = std::make_shared<ProjectionView>();
+    view->regions = makeDataset(
+        "gemm OffloadElapsedTime=2 TotalFloatOps=40 TotalGFlops=20 TotalFloatAi=4 TotalMixedOps=50 "
+        "TotalGMixedOps=25 TotalIntOps=10 OffloadFloat32Ops=4 OffloadFloat64Ops=36 OffloadInt32Ops=10 "
+        "OffloadHbmBytes=10e9 OffloadHbmBandwidth=5e9 OffloadXliBytes=2e9"
+        "\nskipped TotalFloatOps=900 TotalGFlops=1 OffloadFloat32Ops=900 OffloadHbmBytes=9e9",
+        DataType::Offload);
+    using enum RoofId;
+    using row_test::makeRoof;
+    constexpr auto kNone = MemoryLevel::None;
+    view->roofs->roofs = {makeRoof(SpVectorAddPeak, "SP", 100, kNone, ArithTypeExtDef::Float32),
+                          makeRoof(DpVectorAddPeak, "DP", 100, kNone, ArithTypeExtDef::Float64),
+                          makeRoof(Int32VectorAddPeak, "Int32", 100, kNone, ArithTypeExtDef::Int32),
+                          makeRoof(DeviceHbmBandwidth, "HBM", 100, MemoryLevel::Hbm),
+                          makeRoof(XliBandwidth, "XLI", 100, MemoryLevel::Xli)};
+    for (int i = 0; i < 3; ++i) view->roofs->roofs[i].roofOpType = RoofOpType::Basic;
+    return view;
+}
+
+TEST(OffloadLoopParams, Are53InGigaUnitsAndFollowTheLevelAndTheOperations) {
+    const auto& tables = getOffloadTables();
+    EXPECT_EQ(tables.params.size(), 53u);
+    for (const auto& [operations, rate, count] :
+         {std::tuple{"f", "TotalGFlops", "TotalFloatOps"}, std::tuple{"i", "TotalGIntOps", "TotalIntOps"},
+          std::tuple{"b", "TotalGMixedOps", "TotalMixedOps"}})
+        for (const std::string level : {"L3", "L1", "Slm", "Xli", "Dram", "Edram", "Gddr6", "Llc", "Hbm"}) {
+            const auto name = boost::to_upper_copy(level) + "gpu";
+            std::string lines;
+            for (const auto& param : getLoopParams4RooflineConfiguration(
+                     tables.params, RooflineConfiguration(RooflineTypes{operations, name})))
+                lines += fmt::format("\n{} = {} {}", param.getName(),
+                                     boost::replace_all_copy(param.getExpr(), "\x07", " "), param.getType());
+            EXPECT_EQ(lines, fmt::format(R"(
+name = FunctionName 0
+locat = OffloadSourceLocation SourceLine join: 0
+vec = 1 0
+selfElapsedTime = OffloadElapsedTime 0
+key = RowKey 0
+y = {1} log10 4
+x = {2} Offload{0}Bytes 1e+09 / / log10 4
+selfMem = Offload{0}Bytes 1e+09 / 0
+effectiveBand = Offload{0}Bandwidth 1e+09 / 0)",
+                                         level, rate, count));
+        }
+}
+
+TEST(OffloadOptionTree, IsMadeOnceForTheTargetOfThatMoment) {
+    const std::pair<const char*, const char*> targets[]{
+        {"GDDR6", R"(["f"] f i b; ["GDDR6gpu"] L3gpu XLIgpu GDDR6gpu; )"},
+        {"L3", R"(["f"] f i b; ["L3gpu"] L3gpu XLIgpu L3gpu; )"},
+        {"HBMgpu", R"(["f"] f i b; ["XLIgpu"] L3gpu XLIgpu XLIgpu; )"},
+        {"L1", R"(["f"] f i b; ["CARMgpu"] L3gpu XLIgpu; )"},
+    };
+    const auto view = makeView();
+    for (const auto& [memory, expected] : targets) {
+        view->memory = memory;
+        const COffloadRooflineEngine engine(view);
+        view->memory = "DRAM";
+        view->load();
+        std::string text;
+        const auto tree = parse(engine.getRooflineOptions());
+        for (const auto& group : tree["groups"].GetArray()) {
+            text += textOf(group["defRooflineTypes"]);
+            for (const auto& option : group["options"].GetArray()) text += " " + textOf(option["value"]);
+            text += "; ";
+        }
+        EXPECT_EQ(text, expected) << memory;
+    }
+}
+
+TEST(OffloadEngine, ALoadMeasuresAndFindsWhatDominatesForTheTargetThatIsKnownThen) {
+    const auto view = makeView();
+    view->memory = "unheard of";
+    COffloadRooflineEngine engine(view);
+    // Gigabytes of the link and of the memory, giga operations, the roofs that are shown.
+    const auto state = [&] {
+        const auto& metrics = engine.getMetrics();
+        std::string text =
+            metrics
+                ? fmt::format("{} {} {} {}", metrics->getTotalGBs("XLIgpu"), metrics->getTotalGBs("HBMgpu"),
+                              metrics->getTotalOpCount(Float), metrics->getTotalOpCount(Mixed))
+                : "none";
+        const auto answer = engine.getSelectedRoofs("f", Perspective::Program);
+        if (answer.empty()) return text;
+        const auto document = parse(answer);
+        for (const auto& roof : document["roofsState"].GetObject()) {
+            if (roof.value["selected"].GetBool()) text += " " + textOf(roof.name);
+            EXPECT_FALSE(roof.value["hidden"].GetBool());
+        }
+        return text;
+    };
+    const auto loaded = [&] {
+        view->load();
+        return state();
+    };
+    EXPECT_EQ(state(), "none xli");
+    EXPECT_EQ(loaded(), "2 0 40 50 dp int32 xli") << "a level that is listed twice is measured once";
+    view->memory = "HBM";
+    EXPECT_EQ(loaded(), "2 10 40 50 dp int32 hbm") << "what took no time counts nothing";
+    const auto regions = std::exchange(view->regions, nullptr);
+    EXPECT_EQ(loaded() + " " + engine.getRooflineConfigurationStr({}), "none hbm f-XLIgpu");
+    view->regions = regions;
+    const auto roofs = std::exchange(view->roofs, nullptr);
+    const Assertions quiet;
+    EXPECT_EQ(loaded(), "2 10 40 50");
+    view->roofs = roofs;
+    view->memory = "";
+    EXPECT_EQ(loaded(), "none") << "a host that fails";
+    engine.setModel(makeView());
+    view->memory = "HBM";
+    EXPECT_EQ(loaded(), "none hbm") << "of the model before nothing more is heard";
+}
+
+TEST(OffloadEngine, DrawsItsRegionsAndTellsOfThem) {
+    const auto view = makeView();
+    COffloadRooflineEngine engine(view);
+    view->load();
+    const auto chart = parse(engine.getRooflineData(nullptr, nullptr, "b-HBMgpu"));
+    EXPECT_EQ(linesOf(chart["loops"], {"name", "vec", "selfElapsedTime", "selfMem", "effectiveBand", "x"}),
+              "\nname=gemm vec=1 selfElapsedTime=2 selfMem=10 effectiveBand=5 x=0.69897");
+    EXPECT_EQ(linesOf(chart["programTotal"], {"selfMem", "selfElapsedTime", "y"}),
+              "\nselfMem=10 selfElapsedTime=2 y=1.39794");
+    EXPECT_EQ(lineOf(chart, {"namePref", "namePref1"}), "namePref1=" + translate("roofline_value_prefix1"));
+    const auto nothing = parse(engine.getRooflineData(nullptr, "i-L3gpu"));
+    EXPECT_EQ(textOf(nothing["noDataMessage"]["descr"]), translate("roofline_no_data_descr"));
+    const auto details = engine.getLoopAdditionalInfo(R"({"item": [1]})", nullptr, "f");
+    EXPECT_EQ(linesOf(parse(details), {"id"}), "\nid=1");
+    EXPECT_EQ(view->roofs->asked.back(), roof::getGpuRoofConfiguration(TileUsage::Multi, Undefined));
+    EXPECT_EQ(engine.getComparisonData({}, R"({"item": [1]})", "f"), details);
+}
+
+TEST(OffloadEngine, HasNoThreadsAndNoSummary) {
+    const auto view = makeView();
+    COffloadRooflineEngine full(view), empty(nullptr);
+    view->load();
+    empty.onResultLoaded({}, "");
+    for (COffloadRooflineEngine* const engine : {&full, &empty}) {
+        EXPECT_EQ(engine->getThreadsInfo() + engine->getAllRoofs("f"), "");
+        engine->loadSummaryData(0, [](const std::string&) { ADD_FAILURE() << "an answer"; });
+        engine->loadSummaryData(1, {});
+    }
+    EXPECT_EQ(empty.getRooflineData(nullptr, "f") + empty.getSelectedRoofs("f", Perspective::Program) +
+                  empty.getLoopAdditionalInfo("{}", nullptr, "f"),
+              "");
+}
+
+}  // namespace
+}  // namespace data_models2::test
