@@ -7,8 +7,10 @@
 #include "roofline_model/cpu_row_roofline_helper.h"
 #include "roofline_model/factories.h"
 #include "roofline_model/gpu_roof_choice.h"
+#include "roofline_model/gpu_row_roofline_helper.h"
 #include "roofline_model/roof_names.h"
 #include "roofline_model/row_roofline_engine.h"
+#include "roofline_model/threading.h"
 #include "roofline_model/unified/gpu_levels.h"
 #include "roofline_model/unified/option_tables.h"
 
@@ -42,6 +44,12 @@ OperationsType roofOperations(const std::string& configuration, const ResultStat
 roofline::DominatingRoofs dominatingRoofs(const DominatingRoofsTask& task, const ISurveyingViewModel&,
                                           const Metrics&) {
     return roofline::getCpuDominatingRoofs(task.getProgramDominatingTypes());
+}
+
+RoofThreadingFeatures features(const variant_bag_t& request, const ThreadsInfo& info) {
+    RoofThreadingFeatures result;
+    roofline::parseRoofParams(request, info, result);
+    return result;
 }
 
 DetailedRow detailedRow(const RowRequest& request) {
@@ -105,7 +113,7 @@ roofline::DominatingRoofs dominatingRoofs(const DominatingRoofsTask& task,
 DetailedRow detailedRow(const RowRequest& request) {
     auto engine = std::dynamic_pointer_cast<CRowRooflineEngine>(
         createGpuRowRooflineInfo(request.row, request.dataset, request.viewModel, usageOf(request.features)));
-    const bool isAcceptable = engine != nullptr;
+    const bool isAcceptable = engine && GpuRowRooflineHelper::isKernel(request.row);
     return {std::move(engine), isAcceptable, std::nullopt};
 }
 
@@ -142,8 +150,8 @@ const AnalysisKind& cpuAnalysis() {
         .dominance = DataType::Cpu,
         .dominatingRoofs = cpu::dominatingRoofs,
         .loadSteps = {LoadStep::DetectWhenNew, LoadStep::RebuildMetrics, LoadStep::RebuildOptions},
+        .features = cpu::features,
         .detailedRow = cpu::detailedRow,
-        .defaultPackages = 1,
     };
     return kind;
 }
@@ -177,8 +185,9 @@ const AnalysisKind& gpuAnalysis() {
         // Deliberate: the metrics of a load are still those of the device that was known before it.
         .loadSteps = {LoadStep::RebuildMetrics, LoadStep::Detect, LoadStep::ReadDevice,
                       LoadStep::RebuildOptions},
+        .features = [](const variant_bag_t& request,
+                       const ThreadsInfo&) { return roofline::parseSubDevices(request); },
         .detailedRow = gpu::detailedRow,
-        .defaultPackages = static_cast<int>(TileUsage::Multi),
     };
     return kind;
 }
