@@ -3,6 +3,7 @@
 #include "cli/chart_document.h"
 #include "cli/chart_table.h"
 #include "cli/picture/picture.h"
+#include "cli/rows_above.h"
 #include "cli/session.h"
 #include "cli/text.h"
 #include "cli/unplaced_rows.h"
@@ -24,6 +25,7 @@ struct Chart {
     std::string selectedRoofs;
     ChartDocument document;
     RowCount count;
+    std::string above;  // the sentence on rows above their roofs
 };
 
 Chart makeChart(const ChartRequest& request) {
@@ -41,7 +43,8 @@ Chart makeChart(const ChartRequest& request) {
     waitForTasks();
     chart.selectedRoofs = engine.getSelectedRoofs(chart.configuration, perspectiveOf(request.roofs));
     chart.document = parseChartDocument(chart.json);
-    chart.count = countRows(chart.session.rows, chart.session.tree, chart.document, chart.complete);
+    chart.count = countRows(chart.session, chart.document, chart.complete);
+    chart.above = aboveSentence(rowsAbove(chart.session, chart.document, chart.roofs, chart.complete));
     return chart;
 }
 
@@ -52,6 +55,7 @@ std::string draw(const Chart& chart) {
     const auto machine = chart.session.result->machineName();
     options.subtitle = machine.empty() ? chart.complete : fmt::format("{}  |  {}", machine, chart.complete);
     options.selectedRoofs = chart.selectedRoofs;
+    options.note = chart.above;
     return drawChart(chart.json, chart.roofs, chart.count.unplaced, options);
 }
 
@@ -97,7 +101,9 @@ int runChart(const ChartRequest& request, Console& console) {
     answer.json = [&] { return chart.json; };
     answer.csv = [&] { return chartCsv(chart.document); };
     answer.svg = [&] { return draw(chart); };
-    answer.table = [&] { return chartText(chart.document, chart.count); };
+    answer.table = [&] {
+        return chartText(chart.document, chart.count) + (chart.above.empty() ? "" : chart.above + '\n');
+    };
     const bool hasData = chart.document.hasData();
     hasData ? deliver(answer, request.outputs, console) : deliverFilesOnly(answer, request.outputs, console);
     if (!hasData)

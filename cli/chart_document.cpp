@@ -23,7 +23,6 @@ std::optional<double> coordinate(const Value& record, const char* name) {
     return value && std::abs(*value) <= kLargestLogarithm ? value : std::nullopt;
 }
 
-// "L1-DRAM-" as people read it: every caption has a "-" behind it.
 // "L1-DRAM-" as its levels.
 std::vector<std::string> levelsIn(const std::string& captions) {
     std::vector<std::string> levels;
@@ -35,7 +34,8 @@ std::vector<std::string> levelsIn(const std::string& captions) {
 
 struct Reader {
     const Value& root;
-    bool isTotal = json::number(root, "withCallstacks").value_or(0) > 0;
+    // A GPU's document speaks of call stacks too, but has self data alone.
+    bool isTotal = json::number(root, "withCallstacks").value_or(0) > 0 && root.HasMember("totalElapsedTime");
     std::vector<std::string> chartLevels = levelsIn(json::text(root, "memoryLevelPref"));
     const char* timeKey = isTotal ? "totalElapsedTime" : "selfElapsedTime";
     std::optional<double> programTime = json::number(root, timeKey);

@@ -50,12 +50,22 @@ void throwIfCancelled(const ProgressBar& bar) {
     if (bar.isCancelled()) throw Cancelled("cancelled");
 }
 
+// A form of the answer that isn't written when the user has cancelled while it was made.
+Answer::Form unlessCancelled(const ProgressBar& bar, Answer::Form form) {
+    return [&bar, form = std::move(form)] {
+        throwIfCancelled(bar);
+        auto text = form();
+        throwIfCancelled(bar);
+        return text;
+    };
+}
+
 // Without matches when the library found none.
 ComparisonData findPairs(const Sessions& sessions, const CompareRequest& request, ProgressBar& bar) {
     const auto comparer = request.roofline ? data_models2::createRooflineResultsComparer()
                                            : data_models2::createResultsComparer();
     if (!comparer) throw std::runtime_error("the library has no comparer");
-    ComparisonData data{sessions.base.viewModel, sessions.other.viewModel, sessions.base.comparedRows, {}};
+    ComparisonData data{sessions.base.viewModel, sessions.other.viewModel, sessions.base.kind->compared, {}};
     BarProgress progress(bar);
     if (!comparer->compare(data, request.threshold, &progress)) data.matches.clear();
     bar.clear();
@@ -72,11 +82,12 @@ std::string noPairs(const CompareRequest& request) {
 std::string detailsOf(const Sessions& sessions, const ComparisonData& data, const CompareRequest& request) {
     const auto pair = std::find_if(data.matches.begin(), data.matches.end(),
                                    [&](const auto& each) { return each.first->getId() == *request.details; });
+    if (data.matches.empty()) throw std::runtime_error(noPairs(request));
     if (pair == data.matches.end())
         throw std::runtime_error(fmt::format("{}: there is no row {} that has a partner in {}",
                                              request.base.file, *request.details, request.newFile));
     const auto objectOf = [](const Session& session, const auto& row) {
-        return session.viewModel->getDataset(session.comparedRows)->getObjectId(row);
+        return session.viewModel->getDataset(session.kind->compared)->getObjectId(row);
     };
     const auto ids = fmt::format(R"({{"first":"{}","second":"{}"}})", objectOf(sessions.base, pair->first),
                                  objectOf(sessions.other, pair->second));
@@ -92,8 +103,8 @@ ComparedResult describe(const Session& session, const std::string& file) {
     return {file, std::move(program), session.result->machineName()};
 }
 
-// Float, integer or all operations: whatever the rows have.
-std::string operationsOf(const Comparison& comparison) {
+// The options whose roofs hold for what the rows have: float, integer or all operations.
+std::vector<std::string_view> operationsOf(const Comparison& comparison, const ResultTraits& kind) {
     bool hasFloat = false, hasInt = false;
     const auto look = [&](const RowLine& row) {
         hasFloat = hasFloat || row.operations == "float";
@@ -102,20 +113,29 @@ std::string operationsOf(const Comparison& comparison) {
     for (const auto& pair : comparison.pairs) look(pair.before), look(pair.after);
     for (const auto* rows : {&comparison.beforeOnly, &comparison.afterOnly})
         std::for_each(rows->begin(), rows->end(), look);
-    if (hasFloat && hasInt) return "b";
-    return hasInt ? "i" : "f";
+    if (hasFloat && hasInt) return {kind.allOperations.begin(), kind.allOperations.end()};
+    return {hasInt ? "i" : "f"};
 }
 
-std::vector<Roof> roofsOf(const Session& session, const std::string& operations) {
+std::vector<Roof> roofsOf(const Session& session, const std::vector<std::string_view>& operations) {
     const RoofChoice choice;
-    const auto configuration = completeConfiguration(session, operations);
     const auto perspective = perspectiveOf(choice);
-    const auto roofs = session.engine->getRoofs(configuration, threadingOf(session, choice), perspective);
-    return chooseRoofs(parseRoofs(roofs), session.engine->getSelectedRoofs(configuration, perspective));
+    std::vector<Roof> all;
+    for (const auto each : operations) {
+        const auto configuration = completeConfiguration(session, std::string(each));
+        const auto roofs = session.engine->getRoofs(configuration, threadingOf(session, choice), perspective);
+        const auto selected = session.engine->getSelectedRoofs(configuration, perspective);
+        // The memory roofs are the same for each.
+        for (auto& roof : chooseRoofs(parseRoofs(roofs), selected))
+            if (std::none_of(all.begin(), all.end(),
+                             [&](const Roof& known) { return known.name == roof.name; }))
+                all.push_back(std::move(roof));
+    }
+    return all;
 }
 
 // One set where both have the same roofs; else the selected ones of each.
-std::vector<RoofSet> roofSets(const Sessions& sessions, const std::string& operations) {
+std::vector<RoofSet> roofSets(const Sessions& sessions, const std::vector<std::string_view>& operations) {
     waitForTasks();
     const auto set = [&](const char* side, const Session& session) {
         return RoofSet{fmt::format("{}: {}", side, session.result->machineName()),
@@ -144,7 +164,8 @@ std::string draw(const Sessions& sessions, const ComparisonTableRequest& table) 
     if (table.other.machine != machines) machines += " -> " + table.other.machine;
     options.subtitle = fmt::format("{}{}speed-up of the pairs: {} by their sums, {} on geometric mean",
                                    machines, machines.empty() ? "" : "  |  ", text(sum), text(mean));
-    return drawComparison(comparison, roofSets(sessions, operationsOf(comparison)), options);
+    return drawComparison(comparison, roofSets(sessions, operationsOf(comparison, *sessions.base.kind)),
+                          options);
 }
 
 // Whether a pair trips the gate; tells which.
@@ -155,6 +176,9 @@ ExitCode checkGate(const Comparison& comparison, double limit, Console& console)
     if (const auto unknown = comparison.count(Change::Unknown))
         console.err << fmt::format("note: --fail-if can't judge {} of {} pairs: no time on one side\n",
                                    unknown, comparison.pairs.size());
+    if (!comparison.beforeOnly.empty())
+        console.err << fmt::format("note: {} rows of the base have no partner to be judged by\n",
+                                   comparison.beforeOnly.size());
     auto pairs = comparison.pairs;
     std::erase_if(pairs, [limit](const ComparedPair& pair) {
         const auto times = pair.times();
@@ -165,8 +189,9 @@ ExitCode checkGate(const Comparison& comparison, double limit, Console& console)
     console.err << fmt::format("{} of {} pairs got slower by more than {} %:\n", pairs.size(),
                                comparison.pairs.size(), shortNumber(limit));
     for (std::size_t i = 0; i < std::min(kMost, pairs.size()); ++i)
-        console.err << fmt::format("  {} s -> {} s  {}\n", shortNumber(*pairs[i].before.seconds),
-                                   shortNumber(*pairs[i].after.seconds), cleanText(nameOf(pairs[i])));
+        console.err << fmt::format("  {} s -> {} s  {} ({} % alike)\n", shortNumber(*pairs[i].before.seconds),
+                                   shortNumber(*pairs[i].after.seconds), cleanText(nameOf(pairs[i])),
+                                   shortNumber(pairs[i].match));
     if (pairs.size() > kMost) console.err << fmt::format("  and {} more\n", pairs.size() - kMost);
     return kGate;
 }
@@ -203,10 +228,10 @@ int runCompare(const CompareRequest& request, Console& console) {
                                        describe(sessions.other, request.newFile), request.threshold,
                                        request.roofline};
     Answer answer;
-    answer.json = [&] { return comparisonJson(table); };
-    answer.csv = [&] { return comparisonCsv(table); };
-    answer.svg = [&] { return draw(sessions, table); };
-    answer.table = [&] { return comparisonText(table); };
+    answer.json = unlessCancelled(bar, [&] { return comparisonJson(table); });
+    answer.csv = unlessCancelled(bar, [&] { return comparisonCsv(table); });
+    answer.svg = unlessCancelled(bar, [&] { return draw(sessions, table); });
+    answer.table = unlessCancelled(bar, [&] { return comparisonText(table); });
     throwIfCancelled(bar);
     deliver(answer, outputs, console);
     if (comparison.pairs.empty()) throw std::runtime_error(noPairs(request));

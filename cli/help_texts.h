@@ -32,6 +32,9 @@ threads or for --threads; odd numbers are taken as the next even one.
                   roof doesn't stand above the point and was passed over; a row can't be faster than its
                   right roof, so its cells, the machine or the measurement are wrong
 
+A row of a GPU is a kernel with its own data: neither --config nor threads matter to it. Its compute roof is
+that of the type and the instructions that it executed most; without such a roof none limits the row.
+
 With --level all each memory level has a line: its traffic, the intensity against it, the level's own roof,
 how much of it is reached, and its share of the row's memory time, that is of traffic over bandwidth. A level
 above its roof has no share. "nearest above" stands on the one line whose point has the nearest roof. A row
@@ -56,6 +59,8 @@ the totals.
 within the noise; rows without a partner are hollow. Where the two have different roofs, NEW's are dashed.
 
 --fail-if slower=PERCENT ends with 3 when the time of any pair rose by more; without pairs the exit code is 1.
+Rows of which only the source file and the kind are known to agree match by 50 %, the default threshold: for
+a gate take --threshold 60 or more. --machine stands for the machines of both results.
 
 JSON and CSV are this program's own and hold full precision, with units in the keys. JSON: "base" and "new"
 (file, program, machine), "comparer", "threshold_percent", "noise_percent", "pairs" (match_percent,

@@ -23,7 +23,7 @@ struct Assignment {
 
 std::vector<RoofItem> knownRoofs(const Session& session) {
     std::vector<RoofItem> known;
-    if (const auto table = session.viewModel->getRoofManager(DataType::Cpu))
+    if (const auto table = session.viewModel->getRoofManager(session.kind->rows))
         for (auto roofs = table->getRoofs({}); !roofs.isEnd(); ++roofs) known.push_back(*roofs);
     return known;
 }
@@ -77,16 +77,10 @@ std::string valueText(const Assignment& set) {
     return fmt::format("{} to {} {}", set.roof.name, static_cast<double>(set.value) / 1e9, unit);
 }
 
-// "8 threads on 1 package (multi) in machine.json"
+// "8 threads on 1 package in machine.json"
 std::string placeText(const Session& session, const RoofThreadingFeatures& features) {
-    const auto asked =
-        features.threadCount > 0 ? features.threadCount : session.viewModel->getUsedThreadCount();
-    const auto threads = asked > 1 ? asked + asked % 2 : asked;
-    const bool isSingle = features.strategy == RoofThreadingFeatures::Strategy::SingleThread;
-    return fmt::format(
-        "{}{} thread{}{} on {} package{} in {}", isSingle ? "a single one of " : "", threads,
-        threads == 1 ? "" : "s", threads == asked ? "" : " (odd numbers are taken as the next even one)",
-        features.packageCount, features.packageCount == 1 ? "" : "s", session.result->machineFile());
+    return fmt::format("{} in {}", session.kind->place(features, *session.viewModel),
+                       session.result->machineFile());
 }
 
 RoofThreadingFeatures setUpOf(const Session& session, const RoofsRequest& request) {

@@ -81,7 +81,9 @@ void addThreads(CLI::App& command, RoofChoice& roofs) {
         ->check(CLI::Range(0, 1 << 20).description(""))
         ->type_name("N");
     command
-        .add_option("--packages", roofs.packages, "packages that the roofs assume; 0: as the threads need")
+        .add_option("--packages", roofs.packages,
+                    "packages that the roofs assume; 0: as the threads need; of a GPU 1: one "
+                    "sub-device, 2: all, the default")
         ->check(CLI::Range(0, 1 << 10).description(""))
         ->type_name("N");
     command.add_flag("--single", roofs.single, "roofs of one thread instead of all together");
@@ -133,9 +135,9 @@ void addReaders(Commands& commands) {
     addSource(*options, optionsRequest->source);
     addOutputs(*options, optionsRequest->outputs, "the JSON");
 
-    auto [threads, threadsRequest] =
-        commands.add<ThreadsRequest>(commands.app, "threads", "Tell cores, packages and used threads",
-                                     "roofline threads result.json --table", runThreads);
+    auto [threads, threadsRequest] = commands.add<ThreadsRequest>(
+        commands.app, "threads", "Tell cores, packages and used threads, or the sub-devices of a GPU",
+        "roofline threads result.json --table", runThreads);
     addSource(*threads, threadsRequest->source);
     addOutputs(*threads, threadsRequest->outputs, "the JSON");
 
@@ -207,6 +209,14 @@ void addRowReaders(Commands& commands) {
     loop->add_option("--id", loopRequest->ids, "a loop's id, in place of a request; may be repeated")
         ->check(checkId)
         ->type_name("ID");
+}
+
+void addOperations(Commands& commands) {
+    auto [operations, request] = commands.add<OperationsRequest>(
+        commands.app, "operations", "Tell what each kernel of a GPU result executed, by instruction and type",
+        "roofline operations result.json --csv operations.csv", runOperations);
+    addSource(*operations, request->source);
+    addOutputs(*operations, request->outputs, "the table");
 }
 
 // Also refuses what is no number, which a comparison with bounds lets pass.
@@ -342,6 +352,7 @@ void addAll(Commands& commands) {
         "Example:\n  roofline chart result.json --svg chart.svg --table");
     addReaders(commands);
     addRowReaders(commands);
+    addOperations(commands);
     addComparison(commands);
     addImports(commands);
     addProjection(commands);

@@ -14,13 +14,21 @@ namespace {
 
 volatile std::sig_atomic_t g_interrupted = 0;
 
-void onInterrupt(int) { g_interrupted = 1; }
+// The second one ends the program at once.
+void onInterrupt(int signal) {
+    if (g_interrupted) {
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+    }
+    g_interrupted = 1;
+}
 
 }  // namespace
 
 ProgressBar::ProgressBar(Console& console, std::string what) : m_console(console), m_what(std::move(what)) {
     g_interrupted = 0;
     m_before = std::signal(SIGINT, onInterrupt);
+    if (m_before == SIG_IGN) std::signal(SIGINT, SIG_IGN);  // a script's background job
 }
 
 ProgressBar::~ProgressBar() {

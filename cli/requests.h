@@ -85,6 +85,10 @@ struct LoopRequest {
     std::string request;  // JSON, or "-" for stdin
     std::vector<std::uint64_t> ids;
 };
+struct OperationsRequest {
+    ResultSource source;
+    Outputs outputs;
+};
 struct CompareRequest {
     ResultSource base;  // its machine and language count for the new result too
     std::string newFile;
@@ -142,6 +146,7 @@ int runSummary(const SummaryRequest&, Console&);
 int runRows(const RowsRequest&, Console&);
 int runRow(const RowRequest&, Console&);
 int runLoop(const LoopRequest&, Console&);
+int runOperations(const OperationsRequest&, Console&);
 int runCompare(const CompareRequest&, Console&);
 int runImportCsv(const ImportCsvRequest&, Console&);
 int runImportRoofs(const ImportRoofsRequest&, Console&);

@@ -58,8 +58,8 @@ Table allRoofsTable(const std::string& text) {
 // The library names roofs by their short form here.
 Table selectedRoofsTable(const Session& session, const std::string& text) {
     std::map<std::string, std::string> names;
-    for (auto roof = session.viewModel->getRoofManager(session.rows->getDataType())->getRoofs({});
-         !roof.isEnd(); ++roof)
+    for (auto roof = session.viewModel->getRoofManager(session.kind->rows)->getRoofs({}); !roof.isEnd();
+         ++roof)
         names.emplace(roofKey((*roof).name), (*roof).name);
     const auto nameOf = [&](const std::string& shortName) {
         const auto found = names.find(shortName);
@@ -95,6 +95,11 @@ int runRoofs(const RoofsRequest& request, Console& console) {
     if (!request.set.empty()) setOwnRoofs(session, request, console);
     if (request.clear) clearOwnRoofs(session, request, console);
     const auto text = askLibrary(session, request, configuration);
+    if (request.all && json::items(json::parse(text, "the library's roofs")).Empty())
+        throw std::runtime_error(request.source.file + ": there are no thread set-ups to list: " +
+                                 (session.result->machineName().empty()
+                                      ? "the result knows no machine; give one with --machine FILE"
+                                      : "its machine tells of no cores"));
     const auto table = [&] {
         return request.selected ? selectedRoofsTable(session, text)
                : request.all    ? allRoofsTable(text)

@@ -1,9 +1,13 @@
 // Takes a row's roofline apart. Nothing is judged here: which roof limits a row is the library's answer.
 #include "cli/row_lines.h"
 
+#include "cli/operations.h"
 #include "cli/unplaced_rows.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <map>
 
 namespace cli {
 namespace {
@@ -15,16 +19,18 @@ constexpr double kPercent = 100.0;
 
 class RowReader {
 public:
-    RowReader(const RowRooflines& rooflines, double programSeconds)
+    RowReader(const Session& session, const RowRooflines& rooflines)
         : m_rooflines(rooflines),
           m_data(*rooflines.dataset()),
           m_name(m_data.getColumn(FieldId::FunctionName)),
           m_location(m_data.getColumn(FieldId::Location)),
           m_time(
-              m_data.getColumn(rooflines.isTotal() ? FieldId::TotalElapsedTime : FieldId::SelfElapsedTime)),
+              m_data.getColumn(rooflines.isTotal() ? rooflines.kind().totalTime : rooflines.kind().selfTime)),
           m_floatOps(m_data.getColumn(FieldId::SelfFloatOps)),
           m_intOps(m_data.getColumn(FieldId::SelfIntOps)),
-          m_programSeconds(programSeconds) {}
+          m_programSeconds(session.viewModel->getProgramInfo().elapsedTime),
+          m_levelCaptions(optionCaptions(session)),
+          m_types(mainTypes(session)) {}
 
     RowLine read(const sptr_t<RowNode>& row) const;
 
@@ -34,10 +40,20 @@ private:
         return m_data.getValue(row, column, 0, value);
     }
 
+    // As the chart's options call it.
+    void nameLevels(RowLine& line) const {
+        for (auto& each : line.levels)
+            if (const auto found = m_levelCaptions.find(each.level); found != m_levelCaptions.end())
+                each.level = found->second;
+    }
+    std::string causeWithoutCompute(const RowLine& line) const;
+
     const RowRooflines& m_rooflines;
     const IDataset& m_data;
     sptr_t<ColumnNode> m_name, m_location, m_time, m_floatOps, m_intOps;
     double m_programSeconds;
+    std::map<std::string, std::string> m_levelCaptions;
+    std::map<std::string, MainTypes> m_types;  // by row id
 };
 
 RoofOver roofOver(const std::string& name, double height, double performance) {
@@ -96,22 +112,31 @@ void readRoofsBelow(RowLine& line, const IRowRooflineInfo& info) {
     if (compute.id != RoofId::None && over.fraction >= 1.0) line.underCompute = over;
 }
 
-std::string causeWithoutLimit(const RowLine& line, const IRowRooflineInfo& info) {
+std::string causeWithoutLimit(const RowLine& line, const IRowRooflineInfo& info,
+                              const std::string& withoutCompute) {
     if (line.limit || line.underMemory) return {};
     const bool hasCompute = info.getComputeRoof(OperationsType::Undefined).id != RoofId::None;
     const bool hasMemory = !info.getMemoryRoofs().empty();
     if (!hasCompute && !hasMemory) return "no roofs";
-    if (!hasCompute) return "no " + line.operations + " roof for it";
+    if (!hasCompute) return withoutCompute;
     return hasMemory ? "no roof found" : "no memory roof";
 }
 
-std::string doubtOf(const RowLine& line, const IRowRooflineInfo& info) {
+std::string doubtOf(const RowLine& line, const IRowRooflineInfo& info, const ResultTraits& kind) {
     if (line.isValid || !line.limit) return {};
     if (info.getLimitingRoof(true).boundCategory == BoundCategory::None)
         return "limited by a roof of no known kind";
     if (info.areMemLevelMetricsAvailable() && !line.nearest)
         return line.levels.empty() ? line.levelCause : "above the roofs of all its levels";
-    return "holds other loops: only total data would do";
+    return kind.invalidRow;
+}
+
+// Of a kernel it is known which type of data lacks a roof.
+std::string RowReader::causeWithoutCompute(const RowLine& line) const {
+    if (!m_rooflines.kind().countsInstructions) return fmt::format("no {} roof for it", line.operations);
+    const auto found = m_types.find(line.id);
+    const auto type = found == m_types.end() ? std::string() : found->second.of(line.operations);
+    return type.empty() ? "no compute roof: its instructions weren't counted" : "no compute roof for " + type;
 }
 
 RowLine RowReader::read(const sptr_t<RowNode>& row) const {
@@ -128,7 +153,7 @@ RowLine RowReader::read(const sptr_t<RowNode>& row) const {
     line.isValid = info->isValid();
     // On logarithmic axes there is no place for a 0.
     if (point.operationsType == OperationsType::Undefined || !(point.performance > 0.0 && point.ai > 0.0)) {
-        line.cause = missingOf(row, m_rooflines.dataset(), m_rooflines.isTotal());
+        line.cause = missingOf(row, m_rooflines.dataset(), m_rooflines.kind(), m_rooflines.isTotal());
         return line;
     }
     line.operations = point.operationsType == OperationsType::Int ? "int" : "float";
@@ -137,13 +162,15 @@ RowLine RowReader::read(const sptr_t<RowNode>& row) const {
     line.limit = roofOver(info->getLimitingRoof(true), point.performance);
     line.nearest = roofOver(info->getLimitingRoof(false), point.performance);
     readRoofsBelow(line, *info);
-    line.cause = causeWithoutLimit(line, *info);
+    line.cause = causeWithoutLimit(line, *info, causeWithoutCompute(line));
     line.levels = levelsOf(*info);
+    nameLevels(line);
     if (line.levels.empty() && m_rooflines.levelCount() > 1)
-        line.levelCause = hasCell(row, m_floatOps) && hasCell(row, m_intOps)
-                              ? "levels need loads and stores, 0 included"
-                              : "levels need float and integer counts, 0 included";
-    line.doubt = doubtOf(line, *info);
+        line.levelCause =
+            fmt::format("levels need {}, 0 included", hasCell(row, m_floatOps) && hasCell(row, m_intOps)
+                                                          ? m_rooflines.kind().levelNeeds
+                                                          : "float and integer counts");
+    line.doubt = doubtOf(line, *info, m_rooflines.kind());
     if (line.doubt.empty() && m_rooflines.isWithCallees(row, *info)) line.doubt = "with all that it calls";
     return line;
 }
@@ -162,14 +189,14 @@ std::optional<double> RowLine::speedUp() const {
 }
 
 std::vector<RowLine> readRows(const Session& session, const RowRooflines& rooflines) {
-    const RowReader reader(rooflines, session.viewModel->getProgramInfo().elapsedTime);
+    const RowReader reader(session, rooflines);
     std::vector<RowLine> lines;
     forEachChartRow(rooflines.dataset(), [&](const auto& row) { lines.push_back(reader.read(row)); });
     return lines;
 }
 
 std::vector<RowLine> readAllRows(const Session& session, const RowRooflines& rooflines) {
-    const RowReader reader(rooflines, session.viewModel->getProgramInfo().elapsedTime);
+    const RowReader reader(session, rooflines);
     std::vector<RowLine> lines;
     forEachRow(rooflines.dataset(), [&](const auto& row) { lines.push_back(reader.read(row)); });
     return lines;

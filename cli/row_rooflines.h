@@ -27,7 +27,8 @@ public:
     const Dataset& dataset() const { return m_dataset; }
     const data_models2::RoofThreadingFeatures& threading() const { return m_features; }
     // Memory levels that were measured.
-    int levelCount() const { return m_levelCount; }
+    int levelCount() const;
+    const ResultTraits& kind() const { return m_kind; }
     // Never null.
     std::shared_ptr<data_models2::IRowRooflineInfo> of(const Row& row) const;
     // Whether the roofline of a row of self data speaks of its callees too: the library takes total data
@@ -39,9 +40,9 @@ private:
     Dataset m_dataset;
     Dataset m_chosen;  // the same for the chosen threads
     std::set<std::uint64_t> m_callers;
-    std::shared_ptr<data_models2::IRoofManager> m_roofs;
     data_models2::RoofThreadingFeatures m_features;
-    int m_levelCount;
+    const ResultTraits& m_kind;
+    std::shared_ptr<data_models2::ISurveyingViewModel> m_viewModel;
 };
 
 // Tells when the library's roofs are those of another number of threads than the one in effect.

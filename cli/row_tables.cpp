@@ -2,6 +2,7 @@
 #include "cli/row_tables.h"
 
 #include "cli/row_columns.h"
+#include "cli/rows_above.h"
 #include "cli/table.h"
 #include "cli/text.h"
 
@@ -198,6 +199,8 @@ void writeRow(Writer& writer, const RowLine& row, bool levels) {
 
 std::string rowsText(const RowTableRequest& request) {
     auto text = toText(readableTable(request)) + '\n' + countSentence(request.lines) + '\n';
+    if (const auto above = aboveSentence(rowsAbove(request.lines)); !above.empty())
+        text += "at the memory levels: " + above + '\n';
     const auto number = shown(request).size();
     if (number < request.lines.size())
         text += fmt::format("the first {} of {} rows are shown\n", number, request.lines.size());

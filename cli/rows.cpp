@@ -3,6 +3,8 @@
 #include "cli/row_rooflines.h"
 #include "cli/row_tables.h"
 
+#include <fmt/format.h>
+
 #include <array>
 #include <string_view>
 #include <utility>
@@ -28,9 +30,9 @@ void explainChoices(const Session& session, const RowsRequest& request, const Ro
                     Console& console) {
     warnOfOddThreads(session, request.roofs, console);
     if (choosesMore(request.configuration.value_or("")))
-        console.err
-            << "note: of --config only 0 (total data) or 1 (self data) counts for rows: each is taken by "
-               "the operations that it has most of, and with all of its traffic\n";
+        console.err << fmt::format(
+            "note: {}: each is taken by the operations that it has most of, and with all of its traffic\n",
+            session.kind->rowConfig);
     if (table.levels && session.viewModel->getMemoryLevelNames().size() < 2)
         console.err << "note: this result was measured at one memory level only\n";
     if (session.result->machineName().empty())

@@ -1,17 +1,13 @@
 // Opening of results and the choices that depend on one.
 #include "cli/session.h"
 
-#include "roofline_model/factories.h"
-
 #include "cli/json.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
-#include <locale>
+#include <functional>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -20,29 +16,6 @@ namespace cli {
 namespace {
 
 using namespace data_models2;
-using embedded_host::ResultKind;
-
-using Factory = std::shared_ptr<IRooflineInfo> (*)(std::shared_ptr<ISurveyingViewModel>);
-
-struct Kind {
-    ResultKind kind;
-    std::string_view name;
-    DataType rows;
-    DataType tree;
-    DataType compared;     // None: the library doesn't match its rows
-    Factory createEngine;  // null: the library has no engine for this kind
-};
-
-constexpr std::array<Kind, 3> kKinds{{
-    {ResultKind::Cpu, "CPU", DataType::Cpu, DataType::CpuTopDown, DataType::Cpu, createRooflineInfo},
-    {ResultKind::Gpu, "GPU", DataType::Gpu, DataType::None, DataType::Gpu, nullptr},
-    {ResultKind::Offload, "offload", DataType::Offload, DataType::None, DataType::None, nullptr},
-}};
-
-const Kind& kindOf(const embedded_host::Result& result) {
-    return *std::find_if(kKinds.begin(), kKinds.end(),
-                         [&](const Kind& each) { return each.kind == result.kind(); });
-}
 
 std::vector<std::string> split(const std::string& configuration) {
     std::vector<std::string> values;
@@ -51,12 +24,19 @@ std::vector<std::string> split(const std::string& configuration) {
     return values;
 }
 
-std::vector<std::string> knownValues(const Session& session) {
-    std::vector<std::string> values;
+using OptionVisit = std::function<void(std::string value, std::string caption)>;
+
+void forEachOption(const Session& session, const OptionVisit& visit) {
     const auto options = json::parse(session.engine->getRooflineOptions(), "the library's options");
     for (const auto& group : json::items(options, "groups"))
         for (const auto& option : json::items(group, "options"))
-            values.push_back(json::text(option, "value"));
+            visit(json::text(option, "value"), json::text(option, "caption"));
+}
+
+std::vector<std::string> knownValues(const Session& session) {
+    std::vector<std::string> values;
+    forEachOption(session,
+                  [&](std::string value, const std::string&) { values.push_back(std::move(value)); });
     return values;
 }
 
@@ -72,20 +52,16 @@ std::shared_ptr<embedded_host::Result> readResult(const std::string& file, const
 }
 
 // Null when the file says none that is known.
-const Kind* declaredKind(const std::string& file) {
+const ResultTraits* declaredKind(const std::string& file) {
     try {
-        const auto name = json::text(json::parse(embedded_host::readFile(file), file), "kind");
-        const auto kind = std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind& each) {
-            return boost::algorithm::iequals(each.name, name, std::locale::classic());
-        });
-        return kind == kKinds.end() ? nullptr : &*kind;
+        return findKind(json::text(json::parse(embedded_host::readFile(file), file), "kind"));
     } catch (const std::runtime_error&) {
         return nullptr;
     }
 }
 
 struct KindOfFile {
-    const Kind* kind;  // null: not known
+    const ResultTraits* kind;  // null: not known
     const std::string& file;
 };
 
@@ -113,7 +89,7 @@ Session startSession(std::shared_ptr<embedded_host::Result> result, const std::s
     session.result->load(IViewModelBase::LoadType::Result);
     session.rows = session.viewModel->getDataset(kind.rows);
     if (kind.tree != DataType::None) session.tree = session.viewModel->getDataset(kind.tree);
-    session.comparedRows = kind.compared;
+    session.kind = &kind;
     return session;
 }
 
@@ -160,23 +136,16 @@ std::string completeConfiguration(const Session& session, const std::string& con
     return session.engine->getRooflineConfigurationStr(split(configuration));
 }
 
-RoofThreadingFeatures threadingOf(const Session& session, const RoofChoice& choice) {
-    using Strategy = RoofThreadingFeatures::Strategy;
-    RoofThreadingFeatures features;
-    features.threadCount = choice.threads;
-    features.strategy = choice.single ? Strategy::SingleThread : Strategy::MultiThread;
-    features.packageCount = choice.packages;
-    if (choice.packages > 0) return features;
+std::map<std::string, std::string> optionCaptions(const Session& session) {
+    std::map<std::string, std::string> captions;
+    forEachOption(session, [&](std::string value, std::string caption) {
+        captions.emplace(std::move(value), std::move(caption));
+    });
+    return captions;
+}
 
-    // Threads that don't fit on one package need all of them.
-    const auto info = json::parse(session.engine->getThreadsInfo(), "the library's thread counts");
-    const auto packages =
-        std::max(1, static_cast<int>(json::number(info, "processorPackageCount").value_or(1)));
-    const auto cores = json::number(info, "physicalCoreCount").value_or(0);
-    const auto used = json::number(info, "usedNumberOfThreads").value_or(0);
-    const auto threads = choice.threads > 0 ? choice.threads : used;
-    features.packageCount = cores > 0 && threads > cores / packages ? packages : 1;
-    return features;
+RoofThreadingFeatures threadingOf(const Session& session, const RoofChoice& choice) {
+    return session.kind->threading(*session.engine, choice);
 }
 
 IRooflineInfo::Perspective perspectiveOf(const RoofChoice& choice) {

@@ -5,8 +5,10 @@
 
 #include "embedded_host/embedded_host.h"
 
+#include "cli/kinds.h"
 #include "cli/requests.h"
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,14 +17,13 @@
 namespace cli {
 
 struct Session {
+    const ResultTraits* kind = nullptr;  // never null in a session that was opened
     std::shared_ptr<embedded_host::Result> result;
     std::shared_ptr<data_models2::ISurveyingViewModel> viewModel;
     std::shared_ptr<data_models2::IRooflineInfo> engine;
-    // What a chart is made of. On a CPU every row with its self data, and the call tree, null when the result
-    // has none.
+    // What a chart is made of: every row with its self data, and the call tree, null where there is none.
     data_models2::sptr_t<data_models2::IDataset> rows;
     data_models2::sptr_t<data_models2::IDataset> tree;
-    data_models2::DataType comparedRows = data_models2::DataType::None;  // None: can't be compared
 };
 
 // Throws embedded_host::FileError for a bad file, UsageError for an unknown language.
@@ -39,6 +40,9 @@ void waitForTasks();
 std::string chooseConfiguration(const Session& session, const std::optional<std::string>& given);
 // The same with every group's value written out.
 std::string completeConfiguration(const Session& session, const std::string& configuration);
+
+// The captions of the options by their values.
+std::map<std::string, std::string> optionCaptions(const Session& session);
 
 data_models2::RoofThreadingFeatures threadingOf(const Session& session, const RoofChoice& choice);
 data_models2::IRooflineInfo::Perspective perspectiveOf(const RoofChoice& choice);

@@ -15,8 +15,25 @@ constexpr std::array<std::pair<const char*, const char*>, 3> kCounts{
      {"processorPackageCount", "packages"},
      {"usedNumberOfThreads", "used threads"}}};
 
+// A device offers a choice of its sub-devices in place of threads.
+Table subDeviceTable(const json::Value& group) {
+    Table table{{{"packages", "packages", Column::Kind::Number},
+                 {"meaning", "meaning"},
+                 {"", "default"},
+                 {"explanation", "explanation"}},
+                {}};
+    const auto chosen = json::number(group, "defaultValue");
+    for (const auto& option : json::items(group, "options")) {
+        const auto value = json::number(option, "value");
+        table.rows.push_back({value ? Cell(*value) : Cell(), json::text(option, "caption"),
+                              std::string(value == chosen ? "default" : ""), json::text(option, "expl")});
+    }
+    return table;
+}
+
 Table threadTable(const std::string& text) {
     const auto info = json::parse(text, "the library's thread counts");
+    if (const auto* const group = json::member(info, "group")) return subDeviceTable(*group);
     Table table;
     auto& row = table.rows.emplace_back();
     for (const auto& [key, title] : kCounts) {
@@ -32,13 +49,16 @@ Table threadTable(const std::string& text) {
 int runThreads(const ThreadsRequest& request, Console& console) {
     const auto session = openSession(request.source);
     const auto text = session.engine->getThreadsInfo();
+    if (text.empty())
+        throw std::runtime_error(request.source.file +
+                                 ": neither the result nor its machine tells of a device");
     Answer answer;
     answer.json = [&] { return text; };
     answer.csv = [&] { return toCsv(threadTable(text)); };
     answer.table = [&] { return toText(threadTable(text)); };
     answer.jsonByDefault = true;
     deliver(answer, request.outputs, console);
-    return text.empty() ? kNoAnswer : kDone;
+    return kDone;
 }
 
 }  // namespace cli

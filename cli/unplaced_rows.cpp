@@ -28,19 +28,6 @@ constexpr std::array<OperationFields, 3> kOperations{{
     {"b", FieldId::SelfMixedOps, FieldId::TotalMixedOps, "no operations"},
 }};
 
-struct TrafficFields {
-    std::string_view option;  // the memory level; empty: none is chosen
-    FieldId selfLoad, selfStore, totalLoad, totalStore;
-};
-constexpr std::array<TrafficFields, 6> kTraffic{{
-    {"L1", FieldId::SelfL1Load, FieldId::SelfL1Store, FieldId::TotalL1Load, FieldId::TotalL1Store},
-    {"L2", FieldId::SelfL2Load, FieldId::SelfL2Store, FieldId::TotalL2Load, FieldId::TotalL2Store},
-    {"L3", FieldId::SelfL3Load, FieldId::SelfL3Store, FieldId::TotalL3Load, FieldId::TotalL3Store},
-    {"L4", FieldId::SelfL4Load, FieldId::SelfL4Store, FieldId::TotalL4Load, FieldId::TotalL4Store},
-    {"DRAM", FieldId::SelfDramLoad, FieldId::SelfDramStore, FieldId::TotalDramLoad, FieldId::TotalDramStore},
-    {"", FieldId::SelfMemL1, FieldId::None, FieldId::TotalMem, FieldId::None},
-}};
-
 constexpr auto kMissingTraffic = "no traffic", kMissingTime = "no time",
                kMissingOther = "other values missing";
 
@@ -62,9 +49,10 @@ const OperationFields& operationFields(const std::set<std::string>& options) {
 
 class Cells {
 public:
-    Cells(Dataset dataset, std::vector<FieldId> fields) : m_dataset(std::move(dataset)) {
+    Cells(Dataset dataset, const std::vector<FieldId>& fields) : m_dataset(std::move(dataset)) {
         for (const auto field : fields)
-            if (auto column = m_dataset->getColumn(field)) m_columns.push_back(std::move(column));
+            if (auto column = field == FieldId::None ? nullptr : m_dataset->getColumn(field))
+                m_columns.push_back(std::move(column));
     }
     bool anyAboveZero(const Row& row) const {
         return std::any_of(m_columns.begin(), m_columns.end(), [&](const sptr_t<ColumnNode>& column) {
@@ -83,6 +71,8 @@ bool isChartRow(const Row& row) {
     return specification && (specification->getRowType() & kNoChartRow) == 0;
 }
 
+FieldId timeField(const ResultTraits& kind, bool isTotal) { return isTotal ? kind.totalTime : kind.selfTime; }
+
 // A row that has all a point needs, and whose caller has no point, hides with its caller.
 std::set<std::uint64_t> idsBelowMissing(const Dataset& tree, const std::set<std::string>& drawn) {
     std::set<std::uint64_t> hidden;
@@ -94,14 +84,15 @@ std::set<std::uint64_t> idsBelowMissing(const Dataset& tree, const std::set<std:
     return hidden;
 }
 
-std::vector<FieldId> trafficFields(const std::set<std::string>& options, bool isTotal) {
+std::vector<FieldId> trafficFields(const ResultTraits& kind, const std::set<std::string>& options,
+                                   bool isTotal) {
     const bool load = !options.count("store"), store = !options.count("load");
     std::vector<FieldId> fields;
-    for (const auto& each : kTraffic) {
+    for (const auto& each : kind.traffic) {
         // The last line stands for no level at all.
         if (each.option.empty() ? !fields.empty() : !options.count(std::string(each.option))) continue;
         if (load || each.option.empty()) fields.push_back(isTotal ? each.totalLoad : each.selfLoad);
-        if (store && !each.option.empty()) fields.push_back(isTotal ? each.totalStore : each.selfStore);
+        if (store) fields.push_back(isTotal ? each.totalStore : each.selfStore);
     }
     return fields;
 }
@@ -128,18 +119,18 @@ void forEachChartRow(const Dataset& dataset, const RowVisit& visit) {
     });
 }
 
-std::string missingOf(const Row& row, const Dataset& dataset, bool isTotal) {
-    const auto& operations = operationFields({"b"});
-    if (!Cells(dataset, {isTotal ? operations.total : operations.self}).anyAboveZero(row))
-        return operations.missing;
-    if (!Cells(dataset, trafficFields({}, isTotal)).anyAboveZero(row)) return kMissingTraffic;
-    if (!Cells(dataset, {isTotal ? FieldId::TotalElapsedTime : FieldId::SelfElapsedTime}).anyAboveZero(row))
-        return kMissingTime;
+std::string missingOf(const Row& row, const Dataset& dataset, const ResultTraits& kind, bool isTotal) {
+    std::vector<FieldId> operations;
+    for (const auto& each : kOperations) operations.push_back(isTotal ? each.total : each.self);
+    if (!Cells(dataset, operations).anyAboveZero(row)) return operationFields({"b"}).missing;
+    if (!Cells(dataset, trafficFields(kind, {}, isTotal)).anyAboveZero(row)) return kMissingTraffic;
+    if (!Cells(dataset, {timeField(kind, isTotal)}).anyAboveZero(row)) return kMissingTime;
     return kMissingOther;
 }
 
-RowCount countRows(const Dataset& rows, const Dataset& tree, const ChartDocument& document,
-                   const std::string& configuration) {
+RowCount countRows(const Session& session, const ChartDocument& document, const std::string& configuration) {
+    const auto &rows = session.rows, &tree = session.tree;
+    const auto& kind = *session.kind;
     RowCount count;
     if (!rows) return count;
     const auto options = optionsOf(configuration);
@@ -148,8 +139,8 @@ RowCount countRows(const Dataset& rows, const Dataset& tree, const ChartDocument
     const auto& dataset = isTotal ? tree : rows;
     const auto& operations = operationFields(options);
     const Cells ops(dataset, {isTotal ? operations.total : operations.self});
-    const Cells traffic(dataset, trafficFields(options, isTotal));
-    const Cells time(dataset, {isTotal ? FieldId::TotalElapsedTime : FieldId::SelfElapsedTime});
+    const Cells traffic(dataset, trafficFields(kind, options, isTotal));
+    const Cells time(dataset, {timeField(kind, isTotal)});
 
     std::set<std::string> drawn;
     for (const auto& point : document.points) drawn.insert(point.id);

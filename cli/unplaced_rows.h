@@ -4,6 +4,7 @@
 #include "host_interfaces/model.h"
 
 #include "cli/chart_document.h"
+#include "cli/session.h"
 
 #include <cstddef>
 #include <functional>
@@ -24,11 +25,8 @@ struct RowCount {
     std::vector<UnplacedRows> unplaced;  // causes that occur, in a fixed order
 };
 
-// `rows`: the dataset with every row; `tree`: the one that the chart was made of, where it isn't the same.
 // `configuration` is complete, one value a group.
-RowCount countRows(const data_models2::sptr_t<data_models2::IDataset>& rows,
-                   const data_models2::sptr_t<data_models2::IDataset>& tree, const ChartDocument& document,
-                   const std::string& configuration);
+RowCount countRows(const Session& session, const ChartDocument& document, const std::string& configuration);
 
 using RowVisit = std::function<void(const data_models2::sptr_t<data_models2::RowNode>&)>;
 // Every row, parents before their children; none of a null dataset.
@@ -37,7 +35,8 @@ void forEachRow(const data_models2::sptr_t<data_models2::IDataset>& dataset, con
 void forEachChartRow(const data_models2::sptr_t<data_models2::IDataset>& dataset, const RowVisit& visit);
 // What a row without a point of any operations lacks: "no operations", "no traffic", ...
 std::string missingOf(const data_models2::sptr_t<data_models2::RowNode>& row,
-                      const data_models2::sptr_t<data_models2::IDataset>& dataset, bool isTotal);
+                      const data_models2::sptr_t<data_models2::IDataset>& dataset, const ResultTraits& kind,
+                      bool isTotal);
 
 // The option value of operations ("f", "i", "b") of a configuration.
 std::string operationsOf(const std::string& configuration);

@@ -13,7 +13,8 @@ class IComparisonAlgorithm {
 public:
     virtual ~IComparisonAlgorithm() = default;
     // Appends the pairs that score at least `threshold` percent. False when a view model or dataset is
-    // missing, no row may take part, or `progress` (may be null) was cancelled.
+    // missing, no row may take part, or `progress` (may be null) was cancelled. What was appended by then
+    // stays; it may be nothing for the first half of the work, in which candidates are only counted.
     virtual bool run(std::shared_ptr<ISurveyingViewModel> first, std::shared_ptr<ISurveyingViewModel> second,
                      DataType dataType, double threshold, std::vector<RowMatchInfo>& matches,
                      IProgress* progress) const = 0;

@@ -19,6 +19,7 @@ RowClass classOf(const sptr_t<RowNode>& row) {
     return isLoop(*type) ? RowClass::Loop : RowClass::Function;
 }
 
+// `&`: without a branch the loop over a block closes several pairs at a time.
 bool areComparable(RowClass a, RowClass b) { return (a == b) & (a != RowClass::None); }
 
 class PreparedRowTypes final : public IPreparedCheck {

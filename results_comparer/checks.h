@@ -28,7 +28,7 @@ public:
     bool operator()(sptr_t<RowNode> row, sptr_t<IDataset> dataset) const override;
 };
 
-// The row did operations, itself or below: it has a point on a roofline.
+// The row did operations, itself or below: more than 1e-12 giga operations.
 class NonZeroGMixedOPS final : public IEligibilityCheck {
 public:
     bool operator()(sptr_t<RowNode> row, sptr_t<IDataset> dataset) const override;

@@ -5,6 +5,7 @@
 #include "results_comparer/pair_scorer.h"
 
 #include <algorithm>
+#include <span>
 
 namespace data_models2::results_comparer_algs {
 namespace {
@@ -40,11 +41,11 @@ Rows collectRows(const sptr_t<IDataset>& dataset, const EligibilityChecks& check
     return rows;
 }
 
-// Says where the work stands for as long as it lives; steps are rows.
+// Says where the work stands for as long as it lives; a step is a row of the first list.
 class Report {
 public:
-    Report(IProgress& progress, std::size_t rows) : m_progress(progress) {
-        m_progress.start(roofline::translate("results_comparer_scoring"), rows);
+    Report(IProgress& progress, std::size_t steps) : m_progress(progress) {
+        m_progress.start(roofline::translate("results_comparer_scoring"), steps);
     }
     ~Report() { m_progress.finish(); }
     Report(const Report&) = delete;
@@ -56,39 +57,48 @@ private:
     std::uint64_t m_done = 0;
 };
 
-// Goes over all pairs twice, the second time only over blocks with candidates: their number must be known
-// beforehand, since a list that grows holds up to twice what it needs.
-bool appendCandidates(const RowLists& rows, PairScorer& scorer, double threshold,
-                      std::vector<RowMatchInfo>& matches, IProgress& progress) {
-    Report report(progress, rows.first.size() * 2);
-    const auto isCandidate = [threshold](double score) { return threshold <= score; };
-    std::vector<bool> hasCandidates;
-    std::size_t candidates = 0;
+// Goes over all pairs once, block by block: `take(first, begin, scores)` gets the scores of those blocks of
+// which `isWanted()`, asked for each in turn, says so. False once cancelled.
+template <class IsWanted, class Take>
+bool forEachBlock(const RowLists& rows, PairScorer& scorer, const IProgress& progress, Report& report,
+                  IsWanted isWanted, Take take) {
     for (std::size_t first = 0; first < rows.first.size(); ++first) {
         for (std::size_t begin = 0; begin < rows.second.size(); begin += PairBlock::kSize) {
+            if (!isWanted()) continue;
             const auto scores = scorer.score(first, begin);
             if (progress.isCancelled()) return false;
-            const auto count = std::count_if(scores.begin(), scores.end(), isCandidate);
-            hasCandidates.push_back(count != 0);
-            candidates += static_cast<std::size_t>(count);
-        }
-        report.rowDone();
-    }
-
-    matches.reserve(matches.size() + candidates);
-    auto isWanted = hasCandidates.begin();
-    for (std::size_t first = 0; first < rows.first.size(); ++first) {
-        for (std::size_t begin = 0; begin < rows.second.size(); begin += PairBlock::kSize) {
-            if (!*isWanted++) continue;
-            const auto scores = scorer.score(first, begin);
-            if (progress.isCancelled()) return false;
-            for (std::size_t i = 0; i < scores.size(); ++i)
-                if (isCandidate(scores[i]))
-                    matches.push_back({scores[i], rows.first[first], rows.second[begin + i]});
+            take(first, begin, scores);
         }
         report.rowDone();
     }
     return true;
+}
+
+// Where scores are cheap it counts first, and goes a second time only over blocks with candidates: a list
+// that grows holds up to twice what it needs.
+bool appendCandidates(const RowLists& rows, PairScorer& scorer, double threshold,
+                      std::vector<RowMatchInfo>& matches, IProgress& progress) {
+    const auto isCandidate = [threshold](double score) { return threshold <= score; };
+    const auto append = [&](std::size_t first, std::size_t begin, std::span<const double> scores) {
+        for (std::size_t i = 0; i < scores.size(); ++i)
+            if (isCandidate(scores[i]))
+                matches.push_back({scores[i], rows.first[first], rows.second[begin + i]});
+    };
+    const auto always = [] { return true; };
+    Report report(progress, rows.first.size() * (scorer.isPrepared() ? 2 : 1));
+    if (!scorer.isPrepared()) return forEachBlock(rows, scorer, progress, report, always, append);
+
+    std::vector<bool> hasCandidates;
+    std::size_t candidates = 0;
+    const auto count = [&](std::size_t, std::size_t, std::span<const double> scores) {
+        const auto found = std::count_if(scores.begin(), scores.end(), isCandidate);
+        hasCandidates.push_back(found != 0);
+        candidates += static_cast<std::size_t>(found);
+    };
+    if (!forEachBlock(rows, scorer, progress, report, always, count)) return false;
+    matches.reserve(matches.size() + candidates);
+    const auto next = [block = hasCandidates.cbegin()]() mutable { return *block++; };
+    return forEachBlock(rows, scorer, progress, report, next, append);
 }
 
 }  // namespace

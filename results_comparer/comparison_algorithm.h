@@ -14,7 +14,7 @@ public:
         : m_configuration(std::move(configuration)) {}
 
     // A score is the weight that agrees in percent of the weight that can judge. True also when no pair
-    // reaches the threshold. Pairs are appended row by row; after a cancellation those that were stay.
+    // reaches the threshold. Pairs are appended row by row.
     bool run(std::shared_ptr<ISurveyingViewModel> first, std::shared_ptr<ISurveyingViewModel> second,
              DataType dataType, double threshold, std::vector<RowMatchInfo>& matches,
              IProgress* progress) const override;

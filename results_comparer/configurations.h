@@ -11,7 +11,7 @@ namespace data_models2::results_comparer_algs {
 
 enum class ComparableReportType : int {
     Default = 0,
-    Roofline = 1,  // only rows that have a point on a roofline
+    Roofline = 1,  // only rows with operations; no effect on GPU results
 };
 
 class IComparisonConfiguration {

@@ -15,20 +15,17 @@ constexpr double kMostWeight = 1e100;  // no sum of these overflows
 
 // Prices for rows and columns, none negative, cover every pair: u + v >= weight, with equality where a pair
 // is chosen, and 0 for what stays alone: then the total can't be raised. Rows enter one by one, each along
-// the path that lowers the prices least: to a free column, or to a row that is better left alone.
-class Auction {
+// the shortest path, which lowers the prices least: to a free column, or to a row that is better left alone.
+class AugmentingPaths {
 public:
-    Auction(const std::vector<Candidate>& list, const Meter& meter) : m_meter(meter) {
-        std::uint32_t rows = 0;
-        std::uint32_t columns = 0;
-        for (const auto& pair : list) {
-            rows = std::max(rows, pair.first + 1);
-            columns = std::max(columns, pair.second + 1);
-        }
+    AugmentingPaths(const std::vector<Candidate>& list, const Meter& meter) : m_meter(meter) {
+        const auto [rows, columns] = rowCounts(list, meter);
         m_edges.resize(rows);
-        for (std::uint32_t i = 0; i < list.size(); ++i)
+        for (std::uint32_t i = 0; i < list.size(); ++i) {
+            meter.pollAt(i);
             if (list[i].score > 0)
                 m_edges[list[i].first].push_back({list[i].second, i, std::min(list[i].score, kMostWeight)});
+        }
         m_rows.resize(rows);
         m_columns.resize(columns);
     }
@@ -162,7 +159,7 @@ private:
 }  // namespace
 
 std::vector<OpenPairs::Pair> exactAssignment(const std::vector<Candidate>& list, const Meter& meter) {
-    return Auction(list, meter).run();
+    return AugmentingPaths(list, meter).run();
 }
 
 }  // namespace data_models2::results_comparer_algs

@@ -21,7 +21,7 @@ public:
 };
 
 OMBRIX_API std::shared_ptr<IResultsComparer> createResultsComparer();
-// Compares only rows that have a point on a roofline.
+// Compares only rows with operations; of GPU results all, as the other does.
 OMBRIX_API std::shared_ptr<IResultsComparer> createRooflineResultsComparer();
 
 }  // namespace data_models2

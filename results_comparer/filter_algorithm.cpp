@@ -1,7 +1,5 @@
 #include "results_comparer/filter_algorithm.h"
 
-#include "roofline_model/logging.h"
-
 #include "results_comparer/filter_search.h"
 
 #include <algorithm>
@@ -13,8 +11,6 @@
 namespace data_models2::results_comparer_algs {
 
 namespace {
-
-constinit const roofline::LogChannel kLog{"results_comparer/filter_algorithm"};
 
 // Numbers rows in the order in which they are met.
 class RowNumbers {
@@ -62,9 +58,11 @@ struct Ranked {
 std::vector<Ranked> rank(const std::vector<RowMatchInfo>& matches, Meter& meter) {
     std::vector<Ranked> ranking;
     ranking.reserve(matches.size());
-    for (const auto& match : matches)
+    for (const auto& match : matches) {
+        meter.spend(1);
         ranking.push_back({std::isnan(match.score) ? -std::numeric_limits<double>::infinity() : match.score,
                            static_cast<std::uint32_t>(ranking.size())});
+    }
     std::stable_sort(ranking.begin(), ranking.end(), [&](const Ranked& left, const Ranked& right) {
         meter.spend(1);
         return left.score > right.score;
@@ -90,23 +88,7 @@ std::vector<Candidate> candidatesOf(const std::vector<RowMatchInfo>& matches,
     return candidates;
 }
 
-Assignment search(const std::vector<Candidate>& candidates, Meter& meter, Meter::Work allowance) {
-    if (auto sure = chooseWithoutTies(candidates, meter)) return *std::move(sure);
-    Assignment best;
-    try {
-        OpenPairs open(candidates, meter);
-        meter.within(allowance, [&] { searchWhole(open, meter, best); });
-        return best;
-    } catch (const WorkSpent&) {
-        kLog.debug([&](auto& out) {
-            out << "the search among " << candidates.size() << " pairs goes on part by part after "
-                << meter.used() << " steps; the choice among equal scores may differ";
-        });
-    }
-    auto parts = searchByParts(candidates, meter, allowance / 2);
-    return best.chosen.empty() || parts.score > best.score ? parts : best;
-}
-
+// Polls nobody: an entry that was taken out must get into its place.
 template <class Places>
 void keepOnly(std::vector<RowMatchInfo>& matches, const Places& places) {
     std::vector<RowMatchInfo> kept;
@@ -129,7 +111,7 @@ bool CFilterAlgorithm::run(std::vector<RowMatchInfo>& matches, IProgress* progre
     std::vector<std::uint32_t> places;
     try {
         const auto allowance = m_allowance + m_perCandidate * matches.size();
-        const auto best = search(candidatesOf(matches, ranking, meter), meter, allowance);
+        const auto best = chooseBest(candidatesOf(matches, ranking, meter), meter, allowance);
         for (const auto pair : best.chosen) places.push_back(ranking[pair].place);
     } catch (const Cancelled&) {
     }

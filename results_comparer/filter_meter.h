@@ -3,6 +3,7 @@
 
 #include "host_interfaces/progress.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 
@@ -23,6 +24,10 @@ public:
 
     void poll() const {
         if (m_progress && m_progress->isCancelled()) throw Cancelled{};
+    }
+    // For step `i` of a loop that isn't counted.
+    void pollAt(std::size_t i) const {
+        if (i % kPollEvery == 0) poll();
     }
     void spend(Work work) {
         m_used += work;

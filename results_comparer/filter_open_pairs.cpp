@@ -26,6 +26,15 @@ std::uint64_t rowsOf(const Candidate& pair) {
 
 }  // namespace
 
+std::array<std::uint32_t, 2> rowCounts(const std::vector<Candidate>& list, const Meter& meter) {
+    std::array<std::uint32_t, 2> counts{0, 0};
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        meter.pollAt(i);
+        counts = {std::max(counts[0], list[i].first + 1), std::max(counts[1], list[i].second + 1)};
+    }
+    return counts;
+}
+
 double addTimes(double sum, double value, std::uint32_t count) {
     while (count > 16 && value > 0 && sum > 0) {
         // While the exponent stays, every addition adds the same; after a rounding of a half, from the third.
@@ -33,10 +42,10 @@ double addTimes(double sum, double value, std::uint32_t count) {
         const double second = sum + value;
         const double third = second + value;
         const double step = third - second;
+        if (step == 0.0 || !std::isfinite(third)) return third;
         count -= 3;
         const double end = std::ldexp(1.0, std::ilogb(sum) + 1);
         sum = third;
-        if (step == 0.0 || !std::isfinite(third)) return third;
         const double steps = std::floor((end - third) / step) - 2;
         if (!(steps > 0)) continue;
         const auto taken = static_cast<std::uint32_t>(std::min<double>(steps, count));
@@ -49,12 +58,8 @@ double addTimes(double sum, double value, std::uint32_t count) {
 
 OpenPairs::OpenPairs(const std::vector<Candidate>& list, Meter& meter)
     : m_list(list), m_meter(meter), m_links(list.size()) {
-    std::uint32_t rows[2] = {0, 0};
-    for (const auto& [score, first, second] : list) {
-        rows[0] = std::max(rows[0], first + 1);
-        rows[1] = std::max(rows[1], second + 1);
-    }
-    for (const int side : {0, 1}) m_rows[side].resize(rows[side]);
+    const auto rows = rowCounts(list, meter);
+    for (const unsigned side : {0U, 1U}) m_rows[side].resize(rows[side]);
     addValues();
 
     // From the back, so that what is linked last stands first.
@@ -225,25 +230,25 @@ double OpenPairs::boundWith(Pair pair) {
     }
     const double start = score() + scoreOf(pair);
     return known(set, start, [&] {
-        countAround(pair, -1);
+        auto work = countAround(pair, -1);
         double sum = start;
         const auto from = m_links[m_front].value;
         for (auto value = from; value < m_values.size(); ++value)
             sum = addTimes(sum, m_values[value].score, m_values[value].open);
-        countAround(pair, 1);
-        m_meter.spend(m_values.size() - from);
+        work += countAround(pair, 1);
+        m_meter.spend(work + m_values.size() - from);  // which may throw: not before all is as it was
         return sum;
     });
 }
 
-// Counts what choosing the open `pair` would close.
-void OpenPairs::countAround(Pair pair, int change) {
+// Counts what choosing the open `pair` would close; returns the work that it was.
+Meter::Work OpenPairs::countAround(Pair pair, int change) {
     Meter::Work work = 0;
     for (const int side : {0, 1})
         for (Pair each = row(pair, side).front; each != kNone; each = m_links[each].nextOfRow[side], ++work)
             if (side == 0 || m_links[each].row[0] != m_links[pair].row[0])
                 m_values[m_links[each].value].open += static_cast<std::uint32_t>(change);
-    m_meter.spend(work);
+    return work;
 }
 
 double OpenPairs::greedyWith(Pair pair) {
@@ -264,11 +269,9 @@ double OpenPairs::greedyWith(Pair pair) {
 }
 
 // Largest first: rounded addition is monotone, so in this order no choice of pairs comes to more.
-double OpenPairs::sumRuns(int side, double start) {
-    const auto from = m_front == kNone ? m_runs.size() : m_values[m_links[m_front].value].run;
-    for (auto run = from; run < m_runs.size(); ++run)
+double OpenPairs::sumRuns(int side, double start) const {
+    for (auto run = frontRun(); run < m_runs.size(); ++run)
         start = addTimes(start, m_runs[run].top, m_runs[run].rows[side]);
-    m_meter.spend(m_runs.size() - from);
     return start;
 }
 
@@ -278,6 +281,7 @@ double OpenPairs::ceilingWith(Pair pair) {
     for (const int side : {0, 1}) {
         auto& run = m_runs[m_values[m_links[row(pair, side).front].value].run];
         least[side] = known(m_best[side] - run.mark, start, [&] {
+            m_meter.spend(m_runs.size() - frontRun());
             --run.rows[side];
             const double sum = sumRuns(side, start);
             ++run.rows[side];
@@ -287,6 +291,9 @@ double OpenPairs::ceilingWith(Pair pair) {
     return std::min(least[0], least[1]);
 }
 
-double OpenPairs::ceiling() { return std::min(sumRuns(0, score()), sumRuns(1, score())); }
+double OpenPairs::ceiling() {
+    m_meter.spend(2 * (m_runs.size() - frontRun()));
+    return std::min(sumRuns(0, score()), sumRuns(1, score()));
+}
 
 }  // namespace data_models2::results_comparer_algs

@@ -3,6 +3,7 @@
 
 #include "results_comparer/filter_meter.h"
 
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <unordered_map>
@@ -20,12 +21,20 @@ struct Candidate {
     std::uint32_t second;
 };
 
+// How many rows either side has.
+std::array<std::uint32_t, 2> rowCounts(const std::vector<Candidate>& list, const Meter& meter);
+
 // A pair is named by its place in the list and is open as long as neither row is taken. Open pairs stand in
 // three linked lists, of all and of either row, each in the order of the list; choosing unlinks what it
 // closes, and taking back links it again in reverse.
 //
 // Sums are those of one addition a pair in the order of the list, to the last bit: an ulp can decide. What
 // they cost doesn't depend on the number of pairs, for open pairs are also counted by score.
+//
+// A set of open pairs is named by the sum of its marks: every score, and every run of ties, has a random
+// number of 64 bits, and the name changes by one addition as a pair is opened or closed. Sets of the same
+// scores have one name, others but for one case in 2^64 another: so a sum that was worked out for a set is
+// found again without looking at the set.
 class OpenPairs {
 public:
     using Pair = std::uint32_t;
@@ -95,8 +104,11 @@ private:
     void reopen(Pair pair, Pair chosen);
     void countBest(int side, const Row& row, int change);
     void count(Pair pair, int change);
-    void countAround(Pair pair, int change);
-    double sumRuns(int side, double start);
+    Meter::Work countAround(Pair pair, int change);
+    std::size_t frontRun() const {
+        return m_front == kNone ? m_runs.size() : m_values[m_links[m_front].value].run;
+    }
+    double sumRuns(int side, double start) const;
     template <class Sum>
     double known(std::uint64_t set, double start, Sum sum);
 

@@ -17,13 +17,9 @@ using Work = Meter::Work;
 // A list of its own made of some pairs of another, its rows numbered anew.
 class Parts {
 public:
-    explicit Parts(const std::vector<Candidate>& list) : m_list(list) {
-        std::uint32_t rows[2] = {0, 0};
-        for (const auto& pair : list) {
-            rows[0] = std::max(rows[0], pair.first + 1);
-            rows[1] = std::max(rows[1], pair.second + 1);
-        }
-        for (const int side : {0, 1}) m_numbers[side].assign(rows[side], OpenPairs::kNone);
+    Parts(const std::vector<Candidate>& list, const Meter& meter) : m_list(list), m_meter(meter) {
+        const auto rows = rowCounts(list, meter);
+        for (const unsigned side : {0U, 1U}) m_numbers[side].assign(rows[side], OpenPairs::kNone);
     }
 
     struct Part {
@@ -39,37 +35,43 @@ public:
             return known;
         };
         for (const auto pair : pairs) {
+            m_meter.pollAt(part.list.size());
             const auto& [score, first, second] = m_list[pair];
             part.list.push_back({score, number(0, first), number(1, second)});
         }
-        for (const auto pair : pairs) {
-            m_numbers[0][m_list[pair].first] = OpenPairs::kNone;
-            m_numbers[1][m_list[pair].second] = OpenPairs::kNone;
+        for (std::size_t i = 0; i < pairs.size(); ++i) {
+            m_meter.pollAt(i);
+            m_numbers[0][m_list[pairs[i]].first] = OpenPairs::kNone;
+            m_numbers[1][m_list[pairs[i]].second] = OpenPairs::kNone;
         }
         return part;
     }
 
 private:
     const std::vector<Candidate>& m_list;
+    const Meter& m_meter;
     std::vector<std::uint32_t> m_numbers[2];
 };
 
 // Pairs that share rows, directly or through others, each group in list order.
-std::vector<Pairs> connected(const Parts::Part& part, const Pairs& open) {
+std::vector<Pairs> connected(const Parts::Part& part, const Pairs& open, const Meter& meter) {
     std::vector<std::uint32_t> root(part.rows[0] + part.rows[1]);
     std::iota(root.begin(), root.end(), 0U);
     const auto find = [&](std::uint32_t row) {
         while (root[row] != row) row = root[row] = root[root[row]];
         return row;
     };
-    for (const auto pair : open)
-        root[find(part.list[pair].first)] = find(part.rows[0] + part.list[pair].second);
+    for (std::size_t i = 0; i < open.size(); ++i) {
+        meter.pollAt(i);
+        root[find(part.list[open[i]].first)] = find(part.rows[0] + part.list[open[i]].second);
+    }
     std::vector<Pairs> groups;
     std::vector<std::size_t> groupOf(root.size(), root.size());
-    for (const auto pair : open) {
-        auto& group = groupOf[find(part.list[pair].first)];
+    for (std::size_t i = 0; i < open.size(); ++i) {
+        meter.pollAt(i);
+        auto& group = groupOf[find(part.list[open[i]].first)];
         if (group == root.size()) group = groups.size(), groups.emplace_back();
-        groups[group].push_back(pair);
+        groups[group].push_back(open[i]);
     }
     return groups;
 }
@@ -77,7 +79,7 @@ std::vector<Pairs> connected(const Parts::Part& part, const Pairs& open) {
 class PartSearch {
 public:
     PartSearch(const std::vector<Candidate>& list, Meter& meter)
-        : m_list(list), m_meter(meter), m_parts(list) {}
+        : m_list(list), m_meter(meter), m_parts(list, meter) {}
 
     // What comes of `pairs`, places in the list in its order. Spends little more than `allowance` beside one
     // exact assignment of these pairs.
@@ -91,7 +93,7 @@ public:
         const Pairs rest = openOnes(open);
         Assignment result{open.score(), translate(open.chosen(), pairs)};
         if (rest.empty()) return result;
-        auto groups = connected(part, rest);
+        auto groups = connected(part, rest, m_meter);
         if (branches.empty()) {  // the allowance is spent
             append(result, exact(translate(rest, pairs)));
         } else if (groups.size() == 1) {
@@ -113,18 +115,22 @@ public:
 
 private:
     static constexpr Work kReadings = 8;  // going over the pairs of a part before anything is chosen
-
-    static constexpr Work kSetUp = 256;  // a part's lists
+    static constexpr Work kSetUp = 256;   // a part's lists
 
     Work left(Work end) const { return end - std::min(end, m_meter.used()); }
-    static Pairs translate(Pairs places, const Pairs& pairs) {
-        for (auto& place : places) place = pairs[place];
+    Pairs translate(Pairs places, const Pairs& pairs) const {
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            m_meter.pollAt(i);
+            places[i] = pairs[places[i]];
+        }
         return places;
     }
-    static Pairs openOnes(const OpenPairs& open) {
+    Pairs openOnes(const OpenPairs& open) const {
         Pairs pairs;
-        for (auto pair = open.front(); pair != OpenPairs::kNone; pair = open.next(pair))
+        for (auto pair = open.front(); pair != OpenPairs::kNone; pair = open.next(pair)) {
+            m_meter.pollAt(pairs.size());
             pairs.push_back(pair);
+        }
         return pairs;
     }
     static void append(Assignment& to, const Assignment& more) {
@@ -176,13 +182,36 @@ private:
     Parts m_parts;
 };
 
+Pairs greedyWalk(const std::vector<Candidate>& list, Meter& meter) {
+    const auto rows = rowCounts(list, meter);
+    std::vector<char> takenFirst(rows[0]), takenSecond(rows[1]);
+    Pairs chosen;
+    for (Pair pair = 0; pair < list.size(); ++pair) {
+        meter.spend(1);
+        char& first = takenFirst[list[pair].first];
+        char& second = takenSecond[list[pair].second];
+        if (first || second) continue;
+        first = second = 1;
+        chosen.push_back(pair);
+    }
+    return chosen;
+}
+
 }  // namespace
 
 Assignment searchByParts(const std::vector<Candidate>& list, Meter& meter, Work allowance) {
-    Pairs all(list.size());
-    std::iota(all.begin(), all.end(), Pair{0});
+    Pairs all;
+    all.reserve(list.size());
+    for (Pair pair = 0; pair < list.size(); ++pair) {
+        meter.spend(1);
+        all.push_back(pair);
+    }
     auto result = PartSearch(list, meter).solve(all, allowance);
-    std::sort(result.chosen.begin(), result.chosen.end());
+    if (result.chosen.empty()) result.chosen = greedyWalk(list, meter);  // an exact part wants no such pairs
+    std::sort(result.chosen.begin(), result.chosen.end(), [&](Pair left, Pair right) {
+        meter.spend(1);
+        return left < right;
+    });
     result.score = 0.0;
     for (const auto pair : result.chosen) result.score += list[pair].score;
     return result;

@@ -1,26 +1,27 @@
 #include "results_comparer/filter_search.h"
 
+#include "roofline_model/logging.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 namespace data_models2::results_comparer_algs {
 
 namespace {
+
+constinit const roofline::LogChannel kLog{"results_comparer/filter_search"};
 
 constexpr Meter::Work kVisit = 16;  // what a node or a rival takes beside the pairs that it walks over
 
 }  // namespace
 
 std::optional<Assignment> chooseWithoutTies(const std::vector<Candidate>& list, Meter& meter) {
-    std::uint32_t rows[2] = {0, 0};
-    for (const auto& pair : list) {
-        rows[0] = std::max(rows[0], pair.first + 1);
-        rows[1] = std::max(rows[1], pair.second + 1);
-    }
+    const auto rows = rowCounts(list, meter);
     using Pair = OpenPairs::Pair;
     std::vector<Pair> takenBy[2];
-    for (const int side : {0, 1}) takenBy[side].assign(rows[side], OpenPairs::kNone);
+    for (const unsigned side : {0U, 1U}) takenBy[side].assign(rows[side], OpenPairs::kNone);
     Assignment result;
     for (Pair pair = 0; pair < list.size(); ++pair) {
         meter.spend(1);
@@ -86,13 +87,31 @@ void searchWhole(OpenPairs& open, Meter& meter, Assignment& best) {
         stack.pop_back();
         while (open.chosen().size() > branch.depth) open.takeBack();
         open.choose(branch.pair);
-        // An only branch was found worth it as part of the one before.
+        // An only branch comes right after the one that it belongs to has passed: leaving it out only saves
+        // the test.
         if (!branch.isOnly && !best.chosen.empty() && !(open.ceiling() > best.score)) continue;
         if (open.front() != OpenPairs::kNone)
             expand();
         else if (best.chosen.empty() || open.score() > best.score)
             best = {open.score(), open.chosen()};
     }
+}
+
+Assignment chooseBest(const std::vector<Candidate>& list, Meter& meter, Meter::Work allowance) {
+    if (auto sure = chooseWithoutTies(list, meter)) return *std::move(sure);
+    Assignment best;
+    try {
+        OpenPairs open(list, meter);
+        meter.within(allowance, [&] { searchWhole(open, meter, best); });
+        return best;
+    } catch (const WorkSpent&) {
+        kLog.debug([&](auto& out) {
+            out << "the search among " << list.size() << " pairs goes on part by part after " << meter.used()
+                << " steps; the choice among equal scores may differ";
+        });
+    }
+    auto parts = searchByParts(list, meter, allowance / 2);
+    return best.chosen.empty() || parts.score > best.score ? parts : best;
 }
 
 }  // namespace data_models2::results_comparer_algs

@@ -5,8 +5,8 @@
 #include "results_comparer/prepared_indicator.h"
 #include "results_comparer/row_readings.h"
 
-#include <limits>
 #include <map>
+#include <optional>
 #include <set>
 
 namespace data_models2::results_comparer_algs::cpu_match_indicators {
@@ -19,11 +19,9 @@ sptr_t<IDataset> datasetOf(const std::shared_ptr<ISurveyingViewModel>& model) {
 struct TripCount {
     PropertyId state;  // there when the row's counts were found
     bool isFunction;
+    bool isTold;  // the host set the median
     std::int64_t median;
 };
-
-// A median that the host left alone.
-constexpr auto kUntouched = std::numeric_limits<std::int64_t>::min();
 
 using Widths = std::set<long long>;
 
@@ -65,24 +63,28 @@ std::unique_ptr<IPreparedIndicator> TripCountMediansMatch::prepare(const RowList
         rows, progress, {1.0},
         [&](const sptr_t<RowNode>& row, Side side) -> TripCount {
             const auto type = typeOf(row);
-            if (!type) return {missingType(row), false, 0};
-            TripCount count{PropertyIds::missing(Lack::Dataset), !isLoop(*type), 0};
-            if (!of(side)) return count;
-            tripcounts_helpers::SourceTripCountsData data;
-            data.median = side == Side::First ? 0 : kUntouched;
-            const bool isFound =
-                tripcounts_helpers::getSourceTripCounts(row, datasetOf(of(side)), FieldId::TripCounts, data);
-            count.state = isFound ? found : PropertyIds::missing(Lack::Value);
-            count.median = data.median;
-            return count;
+            if (!type) return {missingType(row), false, false, 0};
+            const bool isFunction = !isLoop(*type);
+            if (!of(side)) return {PropertyIds::missing(Lack::Dataset), isFunction, false, 0};
+            const auto dataset = datasetOf(of(side));
+            const auto medianAfter = [&](std::int64_t before) -> std::optional<std::int64_t> {
+                tripcounts_helpers::SourceTripCountsData data;
+                data.median = before;
+                if (!tripcounts_helpers::getSourceTripCounts(row, dataset, FieldId::TripCounts, data))
+                    return std::nullopt;
+                return data.median;
+            };
+            const auto median = medianAfter(0);
+            if (!median) return {PropertyIds::missing(Lack::Value), isFunction, false, 0};
+            // A host may find counts and leave the median alone: then it stays at anything.
+            return {found, isFunction, *median != 0 || medianAfter(1) == 0, *median};
         },
         [](const TripCount& a, const TripCount& b) {
             if (a.isFunction && b.isFunction) return MatchStatus::Invalid;
             const auto status = matchProperties(a.state, b.state);
             if (status != MatchStatus::Match) return status;
             // Deliberate: as if one record served both rows, a median that isn't told is the first row's.
-            const auto median = b.median == kUntouched ? a.median : b.median;
-            return matchIf(a.median == median);
+            return matchIf(!b.isTold || a.median == b.median);
         });
 }
 

@@ -41,7 +41,7 @@ public:
     // The weights that a result may have; each takes the place of one opinion in a block.
     virtual const std::vector<double>& weights() const = 0;
     // Sets the opinions of a block from the place `opinion` on.
-    virtual void judge(PairBlock& block, unsigned opinion) const = 0;
+    virtual void judgeBlock(PairBlock& block, unsigned opinion) const = 0;
 };
 
 // An indicator whose opinion rests on what each row shows by itself. A single pair is judged as lists of one

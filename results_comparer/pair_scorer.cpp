@@ -54,7 +54,7 @@ void PairScorer::scoreByVerdicts() {
     unsigned opinion = 0;
     for (const auto& indicator : m_preparedIndicators) {
         if (!indicator) continue;
-        indicator->judge(m_block, opinion);
+        indicator->judgeBlock(m_block, opinion);
         opinion += static_cast<unsigned>(indicator->weights().size());
     }
     for (std::size_t i = 0; i < m_block.count; ++i) {

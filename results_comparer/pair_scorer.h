@@ -27,6 +27,9 @@ public:
     // which nothing agrees. Valid until the next call; of no meaning when `progress` is cancelled meanwhile.
     std::span<const double> score(std::size_t first, std::size_t begin);
 
+    // Whether scores come of readings made beforehand, and so are cheap to work out twice.
+    bool isPrepared() const { return m_isPrepared; }
+
 private:
     static constexpr double kNoScore = std::numeric_limits<double>::quiet_NaN();
     // Verdicts and their score. A run has few different ones: most are found where they were put.

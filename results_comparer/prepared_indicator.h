@@ -38,8 +38,9 @@ public:
     }
     const std::vector<double>& weights() const override { return m_weights; }
 
-    // Most judges become code without branches here, several pairs at a time.
-    void judge(PairBlock& block, unsigned opinion) const override {
+    // Judges avoid branches (`&` where `&&` would do): most then become code here that judges several pairs
+    // at a time.
+    void judgeBlock(PairBlock& block, unsigned opinion) const override {
         const Value first = m_first[block.first];
         const Value* const second = m_second.data() + block.begin;
         for (std::size_t i = 0; i < block.count; ++i) {

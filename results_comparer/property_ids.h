@@ -15,7 +15,7 @@ enum class Lack : std::uint32_t { Row, Specification, Dataset, Value, Content };
 
 // Equal ids stand for equal properties, or for the same lack of one. Ids of one PropertyIds compare.
 struct PropertyId {
-    std::uint32_t code = 0;
+    std::uint32_t code = 0;  // even: a lack, odd: a number
 
     bool isThere() const { return code % 2 != 0; }
     bool operator==(const PropertyId&) const = default;

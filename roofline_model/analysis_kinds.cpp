@@ -7,8 +7,10 @@
 #include "roofline_model/cpu_row_roofline_helper.h"
 #include "roofline_model/factories.h"
 #include "roofline_model/gpu_roof_choice.h"
+#include "roofline_model/gpu_row_roofline_helper.h"
 #include "roofline_model/roof_names.h"
 #include "roofline_model/row_roofline_engine.h"
+#include "roofline_model/threading.h"
 #include "roofline_model/unified/gpu_levels.h"
 #include "roofline_model/unified/offload_levels.h"
 #include "roofline_model/unified/option_tables.h"
@@ -43,6 +45,12 @@ OperationsType roofOperations(const std::string& configuration, const ResultStat
 roofline::DominatingRoofs dominatingRoofs(const DominatingRoofsTask& task, const ISurveyingViewModel&,
                                           const Metrics&) {
     return roofline::getCpuDominatingRoofs(task.getProgramDominatingTypes());
+}
+
+RoofThreadingFeatures features(const variant_bag_t& request, const ThreadsInfo& info) {
+    RoofThreadingFeatures result;
+    roofline::parseRoofParams(request, info, result);
+    return result;
 }
 
 DetailedRow detailedRow(const RowRequest& request) {
@@ -107,7 +115,7 @@ DetailedRow detailedRow(const RowRequest& request) {
     auto engine = std::dynamic_pointer_cast<CRowRooflineEngine>(createGpuRowRooflineInfo(
         request.row, request.dataset, std::dynamic_pointer_cast<ISurveyingViewModel>(request.viewModel),
         usageOf(request.features)));
-    const bool isAcceptable = engine != nullptr;
+    const bool isAcceptable = engine && GpuRowRooflineHelper::isKernel(request.row);
     return {std::move(engine), isAcceptable, std::nullopt};
 }
 
@@ -177,8 +185,8 @@ const AnalysisKind& cpuAnalysis() {
         .dominance = DataType::Cpu,
         .dominatingRoofs = cpu::dominatingRoofs,
         .loadSteps = {LoadStep::DetectWhenNew, LoadStep::RebuildMetrics, LoadStep::RebuildOptions},
+        .features = cpu::features,
         .detailedRow = cpu::detailedRow,
-        .defaultPackages = 1,
     };
     return kind;
 }
@@ -212,8 +220,9 @@ const AnalysisKind& gpuAnalysis() {
         // Deliberate: the metrics of a load are still those of the device that was known before it.
         .loadSteps = {LoadStep::RebuildMetrics, LoadStep::Detect, LoadStep::ReadDevice,
                       LoadStep::RebuildOptions},
+        .features = [](const variant_bag_t& request,
+                       const ThreadsInfo&) { return roofline::parseSubDevices(request); },
         .detailedRow = gpu::detailedRow,
-        .defaultPackages = static_cast<int>(TileUsage::Multi),
     };
     return kind;
 }
@@ -247,8 +256,9 @@ const AnalysisKind& offloadAnalysis() {
         .dominance = DataType::None,
         .dominatingRoofs = nullptr,
         .loadSteps = {},
+        .features = [](const variant_bag_t& request,
+                       const ThreadsInfo&) { return roofline::parseSubDevices(request); },
         .detailedRow = offload::detailedRow,
-        .defaultPackages = static_cast<int>(TileUsage::Multi),
     };
     return kind;
 }

@@ -82,8 +82,9 @@ struct AnalysisKind {
     // In this order; `DetectWhenNew` does nothing on a mere refresh.
     std::vector<LoadStep> loadSteps;
 
+    // The set-up that a request for details chooses, and a row's details.
+    RoofThreadingFeatures (*features)(const variant_bag_t& request, const ThreadsInfo& info);
     DetailedRow (*detailedRow)(const RowRequest& request);
-    int defaultPackages;  // of a request for details that doesn't choose
 };
 
 const AnalysisKind& cpuAnalysis();

@@ -6,6 +6,7 @@
 #include "roofline_model/compute_roofs.h"
 #include "roofline_model/instruction_mix_summary.h"
 #include "roofline_model/logging.h"
+#include "roofline_model/roof_names.h"
 #include "roofline_model/row_data_access.h"
 #include "roofline_model/translation.h"
 #include "roofline_model/unified/gpu_levels.h"
@@ -64,12 +65,10 @@ const Level* findLevel(MemoryLevel level) {
     return found == kLevels.end() ? nullptr : &*found;
 }
 
-// The first level counts the core's traffic. None for a level that devices lack.
+// None for a level that devices lack.
 FieldId trafficField(MemoryLevel level) {
-    const auto name = level == MemoryLevel::L1
-                          ? "CARMgpu"
-                          : roofline_helpers::getMemoryRooflineType(level, TargetDeviceType::Gpu);
-    const GpuLevel* found = findGpuLevel(name);
+    const GpuLevel* found =
+        findGpuLevel(roofline::helpers::getTrafficLevelName(level, TargetDeviceType::Gpu));
     return found ? found->traffic : FieldId::None;
 }
 
@@ -111,7 +110,11 @@ void GpuRowRooflineHelper::init(const sptr_t<RowNode>& row, const sptr_t<IDatase
 bool GpuRowRooflineHelper::isValid(bool /*totalMetricsAvailable*/) const {
     if (!m_row) reportAssertion("m_row", kUnit, __LINE__);
     if (!m_dataset) reportAssertion("m_dataset", kUnit, __LINE__);
-    const auto specification = m_row ? m_row->getSpecification() : nullptr;
+    return isKernel(m_row);
+}
+
+bool GpuRowRooflineHelper::isKernel(const sptr_t<RowNode>& row) {
+    const auto specification = row ? row->getSpecification() : nullptr;
     return specification && (specification->getRowType() & row_type::kGpuTask);
 }
 

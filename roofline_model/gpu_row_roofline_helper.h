@@ -18,6 +18,8 @@ public:
     GpuRowRooflineHelper(std::shared_ptr<const OperationMap> operationMap,
                          const generic_iterator_t<RoofItem>& roofs, const GpuDeviceProperties& device);
 
+    static bool isKernel(const sptr_t<RowNode>& row);
+
     void init(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset) override;
     // Only kernels are, whatever metrics they have.
     bool isValid(bool totalMetricsAvailable) const override;

@@ -13,7 +13,6 @@
 
 #include <boost/property_tree/ptree.hpp>
 
-#include <algorithm>
 #include <set>
 
 namespace data_models2 {
@@ -33,12 +32,14 @@ void collectIds(const variant_bag_t& list, std::set<std::string>& ids) {
     }
 }
 
-// Whether the row has a point and roofs, but none of its memory roofs stands above it.
+// Whether the row has a point and roofs, but no memory roof stands above its point, or none above the point
+// of its own level.
 bool isAboveAllRoofs(const CRowRooflineEngine& engine) {
     const RooflinePoint point = engine.getPoint();
     return point.ai > 0.0 && !engine.getMemoryRoofs().empty() &&
            engine.getComputeRoof(point.operationsType).id != RoofId::None &&
-           engine.getLimitingRoof(true).name.empty();
+           (engine.getLimitingRoof(true).name.empty() ||
+            (!engine.getMemLevelPoints().empty() && engine.getLimitingRoof(false).name.empty()));
 }
 
 variant_bag_t messageBag(const std::string& messageId) {
@@ -80,10 +81,7 @@ bool LoopDetails::initDataForLoopAdditionalInfo(
     params->dataset = EngineCore::chooseDataset(m_core.kind(), *m_source.viewModel, params->configurations,
                                                 nullptr, nullptr);
     if (!params->dataset) return false;
-    roofline::parseRoofParams(bag, m_source.threads, params->features);
-    if (bag.find("packageCount") == bag.not_found())
-        params->features.packageCount =
-            std::max(params->features.packageCount, m_core.kind().defaultPackages);
+    params->features = m_core.kind().features(bag, m_source.threads);
     params->roofManager = m_source.viewModel->getRoofManager(params->dataset->getDataType());
     return params->roofManager != nullptr;
 }
@@ -191,7 +189,7 @@ std::vector<std::string> LoopDetails::describeLimit(const CRowRooflineEngine& en
         return {roofline::translate(
             "roofline_bottleneck_bound_by_compute", roof.name,
             roofline::helpers::wholePercent(engine.getPoint().performance, roof.limitValue))};
-    const auto level = roofline_helpers::getMemoryRooflineType(roof.memoryLevel, m_core.kind().device);
+    const auto level = roofline::helpers::getTrafficLevelName(roof.memoryLevel, m_core.kind().device);
     const auto caption = m_core.options()->getOptionCaption(level);
     return {roofline::translate("roofline_bottleneck_bound_by_memory", roof.name,
                                 caption.empty() ? roofline::helpers::getMemLevelCaption(level) : caption)};

@@ -68,8 +68,9 @@ RoofItem makeCarmRoof(const std::vector<RoofItem>& memory, const std::optional<D
     const auto first = std::find_if(memory.begin(), memory.end(),
                                     [](const RoofItem& roof) { return roof.memoryLevel == MemoryLevel::L1; });
     return {.id = first == memory.end() ? RoofId::None : first->id,
-            .name = name.empty() ? helpers::getMemLevelCaption("CARMgpu")
-                                 : translate("roofline_summary_gpu_carm_title", name),
+            .name = name.empty()
+                        ? helpers::getMemLevelCaption(helpers::getCoreLevelName(TargetDeviceType::Gpu))
+                        : translate("roofline_summary_gpu_carm_title", name),
             .value = first == memory.end() ? 0 : first->value,
             .typeBits = RoofItem::Memory};
 }

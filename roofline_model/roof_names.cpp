@@ -158,6 +158,15 @@ AxisText getRoofAxesTranslated(FieldId field) {
     return {translate(found->caption), translate(found->measure)};
 }
 
+std::string getCoreLevelName(TargetDeviceType device) {
+    return device == TargetDeviceType::Gpu ? "CARMgpu" : "L1";
+}
+
+std::string getTrafficLevelName(MemoryLevel level, TargetDeviceType device) {
+    return level == MemoryLevel::L1 ? getCoreLevelName(device)
+                                    : roofline_helpers::getMemoryRooflineType(level, device);
+}
+
 RoofId getGpuLastMemLevelRoofId(const std::string& name) {
     return roofline_helpers::getGpuLastMemLevelRoofId(name);
 }

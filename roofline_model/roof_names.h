@@ -34,6 +34,11 @@ struct AxisText {
 // The texts of the axis that shows a self intensity or performance field; empty for any other field.
 AxisText getRoofAxesTranslated(FieldId field);
 
+// The token of the level at which the core's own traffic counts.
+std::string getCoreLevelName(TargetDeviceType device);
+// The token of the level whose traffic a roof of `level` stands for: on a device that of the first is the
+// core's.
+std::string getTrafficLevelName(MemoryLevel level, TargetDeviceType device);
 // The roof of a device's last memory level, by its token; the external link's for an unknown one.
 RoofId getGpuLastMemLevelRoofId(const std::string& name);
 // `value` with `precision` digits behind the point.

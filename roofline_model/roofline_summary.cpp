@@ -140,9 +140,8 @@ std::vector<SummaryItem> makeRowItems(const CRowRooflineEngine& engine, const sp
 }  // namespace
 
 std::string getLevelName(const RoofItem& roof, TargetDeviceType device) {
-    auto name = roofline_helpers::getMemoryRooflineType(roof.memoryLevel, device);
-    if (name.empty()) name = device == TargetDeviceType::Gpu ? "CARMgpu" : "L1";
-    return name;
+    const auto name = roofline_helpers::getMemoryRooflineType(roof.memoryLevel, device);
+    return name.empty() ? getCoreLevelName(device) : name;
 }
 
 OpsAndBandMetric getMetricForComputeRoof(const RoofItem& roof, double elapsedTime, double opCount,

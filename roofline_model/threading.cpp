@@ -48,4 +48,8 @@ void parseRoofParams(const variant_bag_t& bag, const ThreadsInfo& info, RoofThre
                                : RoofThreadingFeatures::Strategy::MultiThread;
 }
 
+RoofThreadingFeatures parseSubDevices(const variant_bag_t& bag) {
+    return {.packageCount = readCount(bag, "packageCount").value_or(static_cast<int>(TileUsage::Multi))};
+}
+
 }  // namespace data_models2::roofline

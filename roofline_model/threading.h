@@ -20,5 +20,8 @@ int getMemoryLevelsCount(const std::shared_ptr<ISurveyingViewModel>& viewModel);
 // stands at the used threads, one package and the multi-threaded strategy. Threads that don't fit on the
 // chosen packages take all.
 void parseRoofParams(const variant_bag_t& bag, const ThreadsInfo& info, RoofThreadingFeatures& out);
+// The same of a device, which has no threads: its "packageCount" is the number of sub-devices as it is given,
+// all of them where it isn't said.
+RoofThreadingFeatures parseSubDevices(const variant_bag_t& bag);
 
 }  // namespace data_models2::roofline

@@ -159,8 +159,8 @@ private:
         std::size_t named = 0;
         for (const auto& pair : m_byDelta) {
             const auto change = m_comparison.changeOf(pair);
-            if (named == m_options.namedPoints || change == Change::Noise) break;
-            if (!pair.hasBothPoints()) continue;
+            if (named == m_options.namedPoints) break;
+            if (change == Change::Noise || !pair.hasBothPoints()) continue;
             ++named;
             const auto factor = pair.speedUp();
             const auto name = shorten(cleanText(nameOf(pair)), kNameLength);

@@ -34,7 +34,9 @@ public:
           m_options(options),
           m_colours(document),
           m_sizes(document),
-          m_sheet(options, cleanText(countSentence(document.rowCount(), unplaced)),
+          m_sheet(options,
+                  cleanText(countSentence(document.rowCount(), unplaced) +
+                            (options.note.empty() ? "" : "; " + options.note)),
                   visibleRanges(document, roofs), m_sizes.largest() + kRoom,
                   captionOf(document.nameX, document.measureX), captionOf(document.nameY, document.measureY)),
           m_picture(m_sheet.picture()) {

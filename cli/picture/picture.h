@@ -12,6 +12,7 @@ namespace cli {
 struct PictureOptions {
     std::string title;
     std::string subtitle;
+    std::string note;  // told under the chart behind the count of rows
     double width = 1200.0;
     double height = 800.0;
     std::string selectedRoofs;    // the library's text; empty: the highest of each kind

@@ -33,6 +33,9 @@ public:
     std::size_t line() const { return m_rowLine; }
     // Lines below what was read: the number of rows left, unless cells hold line breaks or lines are empty.
     std::size_t linesLeft() const;
+    // Of the text, header and all.
+    std::size_t bytesRead() const { return m_at; }
+    std::size_t bytesLeft() const { return m_text.size() - m_at; }
 
 private:
     bool readRow(std::vector<std::string_view>& cells);

@@ -118,7 +118,8 @@ public:
     sptr_t<RowNode> row(std::size_t place) const { return part<RowNode>(m_rows[place]); }
     // The rows of [first, end) that aren't below another row of the range.
     RowIterator rows(std::size_t first, std::size_t end) const;
-    // The rows one level below `row` in the file, whatever the order of this dataset; none for a foreign row.
+    bool has(const sptr_t<RowNode>& row) const { return placeOf(m_rows, row.get()) < m_rows.size(); }
+    // The rows one level below a `row` of this dataset in the file, whatever the order here.
     std::vector<sptr_t<RowNode>> rowsBelow(const sptr_t<RowNode>& row) const;
 
 private:
@@ -159,7 +160,6 @@ RowIterator Dataset::rows(std::size_t first, std::size_t end) const {
 std::vector<sptr_t<RowNode>> Dataset::rowsBelow(const sptr_t<RowNode>& above) const {
     std::vector<sptr_t<RowNode>> below;
     const auto place = placeOf(m_rows, above.get());
-    if (place >= m_rows.size()) return below;
     for (auto next = place + 1; next < m_table->ends[place]; next = m_table->ends[next])
         below.push_back(row(next));
     return below;
@@ -170,7 +170,7 @@ public:
     explicit RowNavigator(sptr_t<const Dataset> dataset) : m_dataset(std::move(dataset)) {}
     generic_iterator_t<RowIterator> getRelatedRows(int relation, const sptr_t<RowNode>& row, int,
                                                    int) const override {
-        if (relation != kRowsBelow) return {};
+        if (relation != kRowsBelow || !m_dataset->has(row)) return {};
         return makeIterator(std::vector<RowIterator>{makeIterator(m_dataset->rowsBelow(row))});
     }
 

@@ -9,17 +9,24 @@ using namespace data_models2;
 
 constexpr auto kMembers = std::to_array<std::string_view>(
     {"name", "vendor", "architecture", "memory", "subDevices", "computeUnits", "integrated", "matrixUnits"});
-constexpr auto kMemoryNames =
-    std::to_array<std::string_view>({"DRAM", "HBM", "XLI", "GDDR6", "EDRAM", "LLC"});
+constexpr auto kMemoryNames = std::to_array<std::string_view>({"DRAM", "HBM", "XLI"});
 constexpr auto kMemoryLevels =
-    std::to_array<MemoryLevel>({MemoryLevel::Dram, MemoryLevel::Hbm, MemoryLevel::Xli, MemoryLevel::Gddr6,
-                                MemoryLevel::Edram, MemoryLevel::Llc});
+    std::to_array<MemoryLevel>({MemoryLevel::Dram, MemoryLevel::Hbm, MemoryLevel::Xli});
 static_assert(kMemoryNames.size() == kMemoryLevels.size());
 constexpr auto kTargetMembers = std::to_array<std::string_view>({"name", "memory"});
 // Deliberate: more than those of a device. A target's last level may be a cache.
 constexpr auto kTargetMemories =
     std::to_array<std::string_view>({"L1", "L3", "DRAM", "SLM", "XLI", "GDDR6", "HBM", "EDRAM", "LLC"});
+// Levels by name that charts of a device don't have: it would have neither points nor a roof there.
+constexpr auto kUnchartedMemories = std::to_array<std::string_view>({"GDDR6", "EDRAM", "LLC"});
 constexpr std::uint64_t kMostParts = 1'000'000;
+
+std::size_t readMemory(const JsonFile& file, const JsonValue& value) {
+    const auto& names = kUnchartedMemories;
+    if (value.IsString() && std::find(names.begin(), names.end(), textOf(value)) != names.end())
+        file.refuse(value, "\"DRAM\" for a memory that no chart of a device has a level for");
+    return file.choice(value, kMemoryNames);
+}
 
 }  // namespace
 
@@ -30,8 +37,7 @@ GpuDeviceProperties readDevice(const JsonFile& file, const JsonValue& value) {
     if (name) device.name = file.text(*name);
     if (vendor) device.vendor = file.text(*vendor);
     if (architecture) device.architecture = file.text(*architecture);
-    device.memoryType =
-        static_cast<std::uint64_t>(kMemoryLevels[memory ? file.choice(*memory, kMemoryNames) : 0]);
+    device.memoryType = static_cast<std::uint64_t>(kMemoryLevels[memory ? readMemory(file, *memory) : 0]);
     if (subDevices) device.subDeviceCount = file.integer(*subDevices, 1, kMostParts);
     if (computeUnits) device.computeUnitCount = file.integer(*computeUnits, 1, kMostParts);
     if (integrated) device.isIntegrated = file.boolean(*integrated);

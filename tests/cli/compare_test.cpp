@@ -238,10 +238,12 @@ TEST_F(Compare, DrawsAnArrowAPairAndAHollowMarkARowWithoutAPartner) {
 // A terminal whose user interrupts as soon as a bar is drawn.
 struct ImpatientTerminal : std::stringbuf {
     std::streamsize xsputn(const char* text, std::streamsize size) override {
-        if (std::string_view(text, static_cast<std::size_t>(size)).find('[') != std::string_view::npos)
+        const std::string_view written(text, static_cast<std::size_t>(size));
+        if (written.find('[') != std::string_view::npos && !std::exchange(hasRaised, true))
             std::raise(SIGINT);
         return size;
     }
+    bool hasRaised = false;  // a second interrupt would end the program
 };
 
 TEST_F(Compare, AnInterruptLeavesNothingBehind) {

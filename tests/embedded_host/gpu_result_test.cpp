@@ -107,6 +107,12 @@ TEST(GpuResult, TakesTheDeviceOfTheResultElseOfTheMachine) {
         EXPECT_EQ(view->getMemoryLevelNames().back(), memory) << members;
         EXPECT_EQ(view->getPackageCount(), subDevices) << members;
     }
+    for (const std::string uncharted : {"GDDR6", "EDRAM", "LLC"})
+        EXPECT_EQ(
+            refusalOf(gpuText("", R"(, "device": {"memory": ")" + uncharted + "\"}")),
+            "test.json: /device/memory: expected \"DRAM\" for a memory that no chart of a device has a level "
+            "for, found the text \"" +
+                uncharted + "\"");
 }
 
 TEST(GpuRoofTable, ScalesByTheSubDevicesAskedFor) {

@@ -16,6 +16,7 @@
 namespace embedded_host::test {
 namespace {
 using namespace data_models2;
+using testing::Contains;
 using testing::DoubleNear;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -42,18 +43,28 @@ std::vector<std::string> counters() {
 
 // What a dispatch adds to the totals of the run, in the units of the fields.
 void add(Totals& totals, Dispatch d) {
-    double floats = 0.0;
+    // A statistic by type, number of the class and width; together they are what the row's cell counts.
+    const auto addOps = [&](const std::string& statistic, double operations) {
+        totals[statistic] += operations / 1e9;
+        totals[statistic.starts_with("float") ? "SelfFloatOps" : "SelfIntOps"] += operations / 1e9;
+    };
+    const auto addInstructions = [&](const std::string& statistic, double count, double operationsOfEach) {
+        totals["instructions, " + statistic] += count;
+        addOps(statistic, count * operationsOfEach);
+    };
     for (const auto& p : kPrecisions) {
         const auto of = [&](const char* kind) { return d[fmt::format("SQ_INSTS_VALU_{}_{}", kind, p)]; };
-        floats += 64.0 * (of("ADD") + of("MUL") + 2.0 * of("FMA") + of("TRANS"));
-        totals["fma " + p] += 64.0 * 2.0 * of("FMA") / 1e9;
+        addInstructions("float 2 " + p.substr(1), of("ADD") + of("MUL"), 64.0);
+        addInstructions("float 3 " + p.substr(1), of("FMA"), 128.0);
+        addInstructions("float 6 " + p.substr(1), of("TRANS"), 64.0);
     }
-    for (const char* const p : {"F16", "BF16", "F32", "F64"})
-        floats += 512.0 * d[fmt::format("SQ_INSTS_VALU_MFMA_MOPS_{}", p)];
-    totals["SelfFloatOps"] += floats / 1e9;
-    totals["SelfIntOps"] += (64.0 * (d["SQ_INSTS_VALU_INT32"] + d["SQ_INSTS_VALU_INT64"]) +
-                             512.0 * d["SQ_INSTS_VALU_MFMA_MOPS_I8"]) /
-                            1e9;
+    addInstructions("int 2 32", d["SQ_INSTS_VALU_INT32"], 64.0);
+    addInstructions("int 2 64", d["SQ_INSTS_VALU_INT64"], 64.0);
+    const auto blocks = [&](const std::string& type) { return 512.0 * d["SQ_INSTS_VALU_MFMA_MOPS_" + type]; };
+    addOps("float 16 16", blocks("F16") + blocks("BF16"));
+    addOps("float 16 32", blocks("F32"));
+    addOps("float 16 64", blocks("F64"));
+    addOps("int 16 8", blocks("I8"));
     totals["GpuSlmTraffic"] += 128.0 * (d["SQ_LDS_IDX_ACTIVE"] - d["SQ_LDS_BANK_CONFLICT"]) / 1e9;
     totals["GpuCarmTraffic"] += 64.0 * d["TCP_TOTAL_CACHE_ACCESSES"] / 1e9;
     totals["GpuL3Traffic"] += 64.0 *
@@ -76,9 +87,9 @@ protected:
         std::ofstream(m_folder / name) << text;
     }
     RocprofTexts import(bool merge = false) { return importRocprof({m_folder.string(), merge, "", ""}); }
-    std::string refusal() {
+    std::string refusal(bool merge = false) {
         try {
-            import();
+            import(merge);
             return "accepted";
         } catch (const FileError& error) {
             return error.what();
@@ -118,9 +129,13 @@ protected:
         const auto statistics = view->getDataset(DataType::GpuStatistics);
         for (const auto& row : listOf(statistics->getRows(0))) {
             for (const auto& each : listOf(dataset_helpers::getChildren(row))) {
-                if (cell(statistics, each, FieldId::GpuInstructionType) != "3") continue;
-                totals["fma F" + cell(statistics, each, FieldId::GpuArithWidth)] +=
-                    number(statistics, each, FieldId::GpuOperationCount);
+                const auto name = fmt::format(
+                    "{} {} {}", cell(statistics, each, FieldId::GpuArithType) == "3" ? "float" : "int",
+                    cell(statistics, each, FieldId::GpuInstructionType),
+                    cell(statistics, each, FieldId::GpuArithWidth));
+                totals[name] += number(statistics, each, FieldId::GpuOperationCount);
+                if (cell(statistics, each, FieldId::GpuInstructionCount) != "-")
+                    totals["instructions, " + name] += number(statistics, each, FieldId::GpuInstructionCount);
             }
         }
         return totals;
@@ -193,26 +208,26 @@ TEST_F(ImportRocprof, MergesTheDispatchesOfAKernelOfTheSameName) {
 
 TEST_F(ImportRocprof, WhatIsMissingMakesItsCellsMissingAndIsNamedOnce) {
     const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
-        // column left out, column with the odd cell, the cell, what lacks
-        {"SQ_INSTS_VALU_ADD_F64", "", "", "SelfFloatOps"},
-        {"SQ_INSTS_VALU_MFMA_MOPS_I8", "", "", "SelfIntOps"},
-        {"TCC_EA_RDREQ_32B", "", "", "GpuMemTraffic"},
-        {"", "TCP_TCC_WRITE_REQ", " ", "GpuL3Traffic"},
-        {"", "SQ_LDS_BANK_CONFLICT", "1000001", "GpuSlmTraffic"},
+        // column left out or with the odd cell, the cell, what lacks, what is said
+        {"SQ_INSTS_VALU_ADD_F64", nullptr, "\"SelfFloatOps\"",
+         "no column SQ_INSTS_VALU_ADD_F64: SelfFloatOps is missing in every row"},
+        {"SQ_INSTS_VALU_MFMA_MOPS_I8", nullptr, "\"SelfIntOps\"",
+         "no column SQ_INSTS_VALU_MFMA_MOPS_I8: SelfIntOps is"},
+        {"TCC_EA_RDREQ_32B", nullptr, "\"GpuMemTraffic\"", "no column TCC_EA_RDREQ_32B: GpuMemTraffic is"},
+        {"TCP_TCC_WRITE_REQ", " ", "\"GpuL3Traffic\"",
+         "1 empty cells in column TCP_TCC_WRITE_REQ: GpuL3Traffic is missing there"},
+        {"SQ_LDS_BANK_CONFLICT", "1000001", "\"GpuSlmTraffic\"",
+         "GpuSlmTraffic would be negative in some rows"},
+        {"SQ_INSTS_VALU_MFMA_MOPS_F64", "-1", R"("vector","type":"float","width":64)",
+         "the statistic vector float 64 would be negative in some rows"},
     };
-    for (const auto& [column, odd, text, name] : cases) {
-        const std::string without = column;
-        const std::string field = name;
-        writeSmall(without, odd, text);
+    for (const auto& [column, odd, lacking, warning] : cases) {
+        odd ? writeSmall("", column, odd) : writeSmall(column);
         const auto texts = import();
-        const auto named =
-            std::count_if(texts.warnings.begin(), texts.warnings.end(), [&](const auto& warning) {
-                return warning.find(field) != warning.npos && warning.find(without) != warning.npos;
-            });
-        EXPECT_EQ(named, 1) << field;
+        EXPECT_THAT(texts.warnings, Contains(HasSubstr(warning)).Times(1));
         EXPECT_EQ(texts.warnings.size(), 3U) << "and one each for roofline.csv and sysinfo.csv";
-        EXPECT_EQ(texts.result.find(fmt::format("\"{}\"", field)), std::string::npos) << field;
-        EXPECT_NE(texts.result.find("\"GpuElapsedTime\":0.000002,"), std::string::npos) << field;
+        EXPECT_EQ(texts.result.find(lacking), std::string::npos) << lacking;
+        EXPECT_NE(texts.result.find("\"GpuElapsedTime\":0.000002,"), std::string::npos) << lacking;
     }
 }
 
@@ -220,11 +235,11 @@ TEST_F(ImportRocprof, MakesTwoRoofsOfEachVectorPeakAndDrawsMatrixPeaks) {
     writeSmall("");
     write("sysinfo.csv", "workload_name,gpu_soc,numCU,name\nmix,gfx90a,104,mi200\n");
     write("roofline.csv",
-          "device,HBMBw,HBMBwLow,L2Bw,L1Bw,LDSBw,FP32Flops,FP64Flops,MFMABF16Flops,MFMAF16Flops,MFMAF32Flops,"
-          "MFMAI8Ops\n0,1400.5,1,5000,9000,20000,21000,20000,170000,165000,41000,166000\n");
+          "device,HBMBw,HBMBwLow,L2Bw,L1Bw,LDSBw,FP16Flops,FP32Flops,FP64Flops,MFMABF16Flops,MFMAF16Flops,"
+          "MFMAF32Flops,MFMAF64Flops,MFMAI8Ops\n"
+          "0,1400.5,1,5000,9000,20000,40000,21000,20000,170000,165000,41000,0.000000002,166000\n");
     const auto texts = import();
-    ASSERT_EQ(texts.warnings.size(), 1U);
-    EXPECT_THAT(texts.warnings[0], HasSubstr("no column MFMAF64Flops: the Matrix F64 Peak is missing"));
+    EXPECT_THAT(texts.warnings, testing::IsEmpty());
     const auto result = parseResult(texts.result, "test.json");
     EXPECT_EQ(result->machineName(), "mi200 (gfx90a)");
     EXPECT_EQ(result->viewModel()->getProgramInfo().name, "mix");
@@ -235,18 +250,54 @@ TEST_F(ImportRocprof, MakesTwoRoofsOfEachVectorPeakAndDrawsMatrixPeaks) {
                      ->getRoofs(roof::getGpuRoofConfiguration(TileUsage::Multi, OperationsType::Undefined));
     for (; !roofs.isEnd(); ++roofs) {
         const auto roof = *roofs;
-        lines += fmt::format("{} {} level {} type {} kind {}\n", static_cast<int>(roof.id),
-                             static_cast<double>(roof.value) / 1e9, static_cast<int>(roof.memoryLevel),
-                             static_cast<int>(roof.arithType), static_cast<int>(roof.roofOpType));
+        const int id = static_cast<int>(roof.id);
+        const std::string key = R"("how": ")";
+        const auto how =
+            texts.machine.find(key, texts.machine.find(fmt::format("\"id\": {},", id))) + key.size();
+        lines += fmt::format("{} {} level {} type {} kind {} {}\n", id, static_cast<double>(roof.value) / 1e9,
+                             static_cast<int>(roof.memoryLevel), static_cast<int>(roof.arithType),
+                             static_cast<int>(roof.roofOpType),
+                             texts.machine.substr(how, texts.machine.find('"', how) - how));
+        EXPECT_EQ(getBoundCategory(roof.id) == BoundCategory::None, roof.roofOpType == RoofOpType::Matrix)
+            << id << ": rows below a roof of no category would be invalid";
     }
-    EXPECT_EQ(lines,
-              "1 9000 level 1 type 0 kind 0\n3 5000 level 3 type 0 kind 0\n"
-              "7 21000 level 0 type 3 kind 2\n8 20000 level 0 type 4 kind 2\n"
-              "10 10500 level 0 type 3 kind 1\n11 10000 level 0 type 4 kind 1\n"
-              "16 10500 level 0 type 8 kind 1\n17 10000 level 0 type 9 kind 1\n"
-              "22 20000 level 9 type 0 kind 0\n25 1400.5 level 11 type 0 kind 0\n"
-              "111 165000 level 0 type 2 kind 3\n112 170000 level 0 type 2 kind 3\n"
-              "113 41000 level 0 type 3 kind 3\n115 166000 level 0 type 6 kind 3\n");
+    EXPECT_EQ(lines, R"(1 9000 level 1 type 0 kind 0 measured
+3 5000 level 3 type 0 kind 0 measured
+7 21000 level 0 type 3 kind 2 measured
+8 20000 level 0 type 4 kind 2 measured
+9 20000 level 0 type 2 kind 1 derived
+10 10500 level 0 type 3 kind 1 derived
+11 10000 level 0 type 4 kind 1 derived
+13 40000 level 0 type 2 kind 2 measured
+16 10500 level 0 type 8 kind 1 assumed
+17 10000 level 0 type 9 kind 1 assumed
+22 20000 level 9 type 0 kind 0 measured
+25 1400.5 level 11 type 0 kind 0 measured
+111 165000 level 0 type 2 kind 3 measured
+112 170000 level 0 type 2 kind 3 measured
+113 41000 level 0 type 3 kind 3 measured
+114 2e-09 level 0 type 4 kind 3 measured
+115 166000 level 0 type 6 kind 3 measured
+)");
+}
+
+TEST_F(ImportRocprof, NamesEachColumnWithoutARoofOnceWithItsRoofs) {
+    write("roofline.csv", "HBMBw,L2Bw,L1Bw,LDSBw,FP32Flops,FP64Flops\n1400,5000,9000,-0.0,0,\n");
+    for (const bool hasHalves : {true, false}) {
+        hasHalves ? writeSmall("") : write("pmc_perf.csv", "Kernel_Name,SQ_INSTS_VALU_FMA_F16\nk,0\n");
+        const auto warnings = import().warnings;
+        for (const char* const warning :
+             {"0 in column LDSBw: missing roofs: SLM Bandwidth",
+              "0 in column FP32Flops: missing roofs: SP Vector FMA Peak, SP Vector Add Peak, Int32 Vector "
+              "Add Peak",
+              "empty cell in column FP64Flops: missing roofs: DP Vector FMA Peak, DP Vector Add Peak, Int64 ",
+              "no column MFMAI8Ops: missing roofs: Matrix I8 Peak"})
+            EXPECT_THAT(warnings, Contains(HasSubstr(warning)).Times(1));
+        EXPECT_THAT(warnings, Contains(HasSubstr("roofline.csv: ")).Times(hasHalves ? 9 : 8));
+        EXPECT_THAT(warnings,
+                    Contains(HasSubstr("no column FP16Flops: missing roofs: HP Vector FMA Peak, HP "))
+                        .Times(hasHalves ? 1 : 0));
+    }
 }
 
 TEST_F(ImportRocprof, RefusesWhatItCannotReadWithThePlace) {
@@ -258,9 +309,16 @@ TEST_F(ImportRocprof, RefusesWhatItCannotReadWithThePlace) {
     writeSmall("", "SQ_LDS_IDX_ACTIVE", "many");
     EXPECT_THAT(refusal(),
                 HasSubstr("line 2, column \"SQ_LDS_IDX_ACTIVE\": expected a number, found \"many\""));
+    write("pmc_perf.csv", "Kernel_Name\na\n\"\xFF\"\na\n\"\xFF\"\n");
+    for (const bool merge : {false, true})
+        EXPECT_THAT(refusal(merge), HasSubstr("pmc_perf.csv: line 3: the kernel's name"));
     writeSmall("");
-    write("roofline.csv", "HBMBw\n-3\n");
-    EXPECT_THAT(refusal(), HasSubstr("roofline.csv: line 2, column \"HBMBw\": expected a number"));
+    // Of the last one a roof takes half.
+    for (const char* const cells : {"-3,1", "some,1", "1e11,1", "1,0.0000000015"}) {
+        write("roofline.csv", std::string("HBMBw,FP32Flops\n") + cells + "\n");
+        EXPECT_THAT(refusal(), HasSubstr("expected 0 or a number")) << cells;
+    }
+    EXPECT_THAT(refusal(), HasSubstr("roofline.csv: line 2, column \"FP32Flops\""));
 }
 
 }  // namespace

@@ -239,15 +239,17 @@ TEST(ComparisonAlgorithm, takes_checks_and_indicators_of_any_kind) {
 }
 
 // A loop a row; `line` moves it, `name` decorates its name.
-std::string rowText(std::size_t id, const std::string& name, std::size_t line, const char* file) {
+std::string rowText(std::size_t id, const std::string& name, std::size_t line, const char* file,
+                    std::size_t level = 1) {
     return fmt::format(R"({{"id":{},"kind":"loop","cells":{{"MangledName":"{}","SourceLine":{},)"
-                       R"("SourceLocation":"{}","SelfFloatOps":1,"SelfElapsedTime":1}}}})",
-                       id, name, line, file);
+                       R"("SourceLocation":"{}","NestingLevel":{},"SelfFloatOps":1,"SelfElapsedTime":1}}}})",
+                       id, name, line, file, level);
 }
-Model resultOf(const std::vector<std::string>& rows) {
-    return embedded_host::parseResult(R"({"format":"roofline-result","version":1,"kind":"cpu","rows":[)" +
-                                          boost::join(rows, ",") + "]}",
-                                      "result.json")
+Model resultOf(const std::vector<std::string>& rows, const char* kind = "cpu") {
+    return embedded_host::parseResult(
+               fmt::format(R"({{"format":"roofline-result","version":1,"kind":"{}","rows":[{}]}})", kind,
+                           boost::join(rows, ",")),
+               "result.json")
         ->viewModel();
 }
 
@@ -257,12 +259,14 @@ TEST(ResultsComparer, finds_the_rows_of_another_build_again) {
         std::vector<std::string> before, after;
         std::set<std::pair<std::uint64_t, std::uint64_t>> expected, found;
         for (std::size_t id = 0; id < 60; ++id) {
-            const auto name = fmt::format("solve{}", id);
-            before.push_back(rowText(id, name, 10 * id, "a.c:1"));
+            // Three loops of a name: one of a level of its own, two that only their lines tell apart.
+            const auto name = fmt::format("solve{}", id / 3);
+            const auto level = id % 3 ? 2U : 1U;
+            before.push_back(rowText(id, name, 10 * id, "a.c:1", level));
             if (random() % 8 == 0) continue;
-            const auto moved = random() % 5 ? random() % 4 : 300;
+            const auto moved = level == 2 || random() % 3 ? random() % 4 : 300;
             const auto decorated = random() % 2 ? "__" + name + "_par_loop7" : "at line 12 " + name;
-            after.push_back(rowText(1000 + id, decorated, 10 * id + moved, "a.c:7"));
+            after.push_back(rowText(1000 + id, decorated, 10 * id + moved, "a.c:7", level));
             expected.insert({id, 1000 + id});
         }
         for (std::size_t id = 0; id < 5; ++id)
@@ -277,6 +281,66 @@ TEST(ResultsComparer, finds_the_rows_of_another_build_again) {
             EXPECT_EQ(found, expected);
         }
     }
+}
+
+// "1-4:50" a pair.
+std::string textOf(const ComparisonData& data) {
+    std::vector<std::string> pairs;
+    for (const auto& [score, first, second] : data.matches)
+        pairs.push_back(fmt::format("{}-{}:{:.4g}", first->getId(), second->getId(), score));
+    std::sort(pairs.begin(), pairs.end());
+    return boost::join(pairs, " ");
+}
+
+TEST(ResultsComparer, takes_pairs_from_half_of_the_weight_on) {
+    const auto first = modelOf(test::tableOf(R"(f Rva=1 MangledName="a" SourceLocation="x.c")"));
+    // Types, parents and files agree, names don't: 3 of 6. Then also the metric, but not bold types: 4
+    // of 8.2.
+    const auto half = modelOf(test::tableOf(R"(g Rva=1 MangledName="b" SourceLocation="x.c")"));
+    ComparisonData data{first, half, DataType::Cpu, {}};
+    EXPECT_TRUE(createResultsComparer()->compare(data, nullptr));
+    EXPECT_EQ(textOf(data), "1-1:50");
+    const auto more = [](const char* name, const char* bold) {
+        return modelOf(test::tableOf(fmt::format(
+            R"(f Rva=1 MangledName="{}" SourceLocation="x.c" ComparisonMetric=1l DataTypes="<b>{}</b>")",
+            name, bold)));
+    };
+    data = {more("a", "A"), more("b", "B"), DataType::Cpu, {}};
+    EXPECT_FALSE(createResultsComparer()->compare(data, nullptr));
+    EXPECT_TRUE(createResultsComparer()->compare(data, 48.0, nullptr));
+    EXPECT_EQ(textOf(data), "1-1:48.78");
+}
+
+TEST(ResultsComparer, compares_kernels_whatever_their_types_and_operations) {
+    const auto kernel = [](int id, int type, const char* name, int instances) {
+        return fmt::format(
+            R"({{"id":{},"type":{},"cells":{{"FunctionName":"{}","InstanceCount":{},"SourceLine":{}}}}})", id,
+            type, name, instances, 10 * instances);
+    };
+    const auto first = resultOf({kernel(1, 4, "axpy(int)", 3), kernel(2, 0, "dot(int)", 5)}, "gpu"),
+               second = resultOf({kernel(8, 4, "dot(long)", 5), kernel(9, 0, "axpy(long)", 4)}, "gpu");
+    for (const auto& comparer : {createResultsComparer(), createRooflineResultsComparer()}) {
+        ComparisonData data{first, second, DataType::Gpu, {}};
+        EXPECT_FALSE(comparer->compare(data, 100.5, nullptr));
+        EXPECT_TRUE(comparer->compare(data, 30.0, nullptr));
+        EXPECT_EQ(textOf(data), "1-9:33.33 2-8:100");  // a loop beside a function
+    }
+}
+
+TEST(ResultsComparer, keeps_entries_that_are_there_as_candidates) {
+    const auto first = resultOf({rowText(1, "f", 1, "a.c"), rowText(2, "g", 50, "b.c")}),
+               second = resultOf({rowText(5, "f", 1, "a.c"), rowText(6, "h", 90, "c.c")});
+    const auto rowOf = [](const Model& model, int place) {
+        return test::rowsOf(model->getDataset(DataType::Cpu))[static_cast<std::size_t>(place)];
+    };
+    // One that the threshold would refuse, one that gives way to the better pair.
+    ComparisonData data{
+        first,
+        second,
+        DataType::Cpu,
+        {{7.0, rowOf(first, 1), rowOf(second, 1)}, {99.0, rowOf(first, 0), rowOf(second, 1)}}};
+    EXPECT_TRUE(createResultsComparer()->compare(data, nullptr));
+    EXPECT_EQ(textOf(data), "1-5:100 2-6:7");
 }
 
 TEST(ResultsComparer, says_that_there_is_nothing_to_compare) {

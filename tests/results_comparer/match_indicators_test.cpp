@@ -4,7 +4,10 @@
 #include "results_comparer/gpu_match_indicators.h"
 #include "tests/roofline_model/test_host.h"
 
+#include <boost/core/demangle.hpp>
+
 #include <functional>
+#include <typeinfo>
 
 namespace data_models2::results_comparer_algs {
 namespace {
@@ -162,6 +165,10 @@ TEST(MatchIndicators, compare_medians_of_trip_counts_unless_both_are_functions) 
     EXPECT_EQ(judge<TripCountMediansMatch>(loop, row("0", R"("TripCounts":"9, 16, 17, 18")")), "yes");
     EXPECT_EQ(judge<TripCountMediansMatch>(loop, row("4", R"("TripCounts":"17")")), "no");
     EXPECT_EQ(judge<TripCountMediansMatch>(loop, row("4", R"("TripCounts":"many")")), "no");
+    // What isn't a count as a whole is none.
+    EXPECT_EQ(judge<TripCountMediansMatch>(loop, row("4", R"("TripCounts":"1e3 16.9 10x -2 -0.5")")), "yes");
+    EXPECT_EQ(judge<TripCountMediansMatch>(loop, row("4", R"("TripCounts":"16.9.1; 16.x")")), "no");
+    EXPECT_EQ(judge<TripCountMediansMatch>(loop, row("4", R"("TripCounts":"0")")), "no");
     EXPECT_EQ(judge<TripCountMediansMatch>(row("4", ""), row("4", "")), "-");
     const auto function = row("0", R"("TripCounts":"16")");
     EXPECT_EQ(judge<TripCountMediansMatch>(function, function), "-");
@@ -182,34 +189,63 @@ TEST(MatchIndicators, compare_the_widths_that_loops_were_unrolled_to) {
     EXPECT_EQ(judge<UnrolledChildPresenceMatch>(model, loop(1, wide)), "no");
     EXPECT_EQ(judge<UnrolledChildPresenceMatch>(model, loop(1, R"({"id":2})")), "-");
     EXPECT_EQ(judge<UnrolledChildPresenceMatch>(model, loop(2, wide)), "-");
+    const auto lost = std::make_shared<test::ViewModel>();  // rows can't be asked for
+    lost->datasets = {{DataType::Cpu, test::makeDataset("f NestingLevel=1u")}};
+    EXPECT_EQ(judge<UnrolledChildPresenceMatch>(model, lost), "no");
+    EXPECT_EQ(judge<UnrolledChildPresenceMatch>(lost, lost), "-");
     EXPECT_EQ(judge<UnrolledChildPresenceMatch>(loop(1, R"({"id":9,"children":[)" + wide + "]}"), model),
               "-");
 }
 
-TEST(MatchIndicators, are_chosen_by_what_both_results_have) {
-    const auto model = [](const char* collected) {
-        return embedded_host::parseResult(R"({"format":"roofline-result","version":1,"kind":"cpu",
-            "program":{"collected":[)" + std::string(collected) +
-                                              R"(]},"rows":[]})",
-                                          "result.json")
+// The classes of a list, in its order.
+template <class List>
+std::string classesOf(const List& list) {
+    std::vector<std::string> names;
+    for (const auto& item : list) {
+        const auto& object = *item;
+        const auto name = boost::core::demangle(typeid(object).name());
+        names.push_back(name.substr(name.rfind("::") + 2));
+    }
+    return boost::join(names, " ");
+}
+
+TEST(Configurations, list_what_they_look_at) {
+    const auto model = [](const char* collected, const char* kind = "cpu") {
+        return embedded_host::parseResult(
+                   fmt::format(R"({{"format":"roofline-result","version":1,"kind":"{}","rows":[],
+                                   "program":{{"collected":[{}]}}}})",
+                               kind, collected),
+                   "result.json")
             ->viewModel();
     };
-    const auto both = model(R"("trip_counts","call_counts")"), trips = model(R"("trip_counts")");
-    const DefaultConfiguration configuration;
-    const auto count = [&](const auto& a, const auto& b, bool isGpu = false) {
-        return configuration.getMatchIndicators(a, b, isGpu).size();
-    };
-    EXPECT_EQ(count(both, both), 11U);
-    EXPECT_EQ(count(both, trips), 10U);
-    EXPECT_EQ(count(model(""), both), 9U);
-    EXPECT_EQ(count(both, nullptr), 0U);
-    EXPECT_EQ(count(both, both, true), 0U);  // no such datasets
-    const auto gpu = std::make_shared<test::ViewModel>();
-    gpu->datasets = {{DataType::Gpu, test::makeDataset("k", DataType::Gpu)}};
-    EXPECT_EQ(count(gpu, gpu, true), 4U);
-    EXPECT_EQ(getComparisonConfig(ComparableReportType{7})->getEligibilityChecks(false).size(), 2U);
-    EXPECT_EQ(getComparisonConfig(ComparableReportType::Roofline)->getEligibilityChecks(false).size(), 3U);
-    EXPECT_EQ(getComparisonConfig(ComparableReportType::Roofline)->getEligibilityChecks(true).size(), 1U);
+    const auto both = model(R"("trip_counts","call_counts")"), trips = model(R"("trip_counts")"),
+               gpu = model("", "gpu");
+    const std::string cpuList =
+        "NestingLevelsMatch MetricsMatch<long long> MangledNamesMatch RowTypesMatch DataTypesMatch "
+        "UnrolledChildPresenceMatch BUParentalPresenceMatch SourceFilesMatch SourceLinesMatch";
+    for (const auto type :
+         {ComparableReportType::Default, ComparableReportType::Roofline, ComparableReportType{7}}) {
+        const auto configuration = getComparisonConfig(type);
+        const auto indicators = [&](const auto& a, const auto& b, bool isGpu = false) {
+            return classesOf(configuration->getMatchIndicators(a, b, isGpu));
+        };
+        EXPECT_EQ(indicators(both, both), cpuList + " TripCountMediansMatch CallCountsMatch");
+        EXPECT_EQ(indicators(both, trips), cpuList + " TripCountMediansMatch");
+        EXPECT_EQ(indicators(model(""), both), cpuList);
+        EXPECT_EQ(indicators(both, nullptr), "");
+        EXPECT_EQ(indicators(both, gpu), "");
+        EXPECT_EQ(indicators(gpu, both, true), "");
+        EXPECT_EQ(indicators(gpu, gpu, true),
+                  "FunctionNameMatch InstanceCountMatch SourceLinesMatch SourceFilesMatch");
+        EXPECT_EQ(classesOf(configuration->getEligibilityChecks(false)),
+                  type == ComparableReportType::Roofline ? "ExecutedLoop FuncIndexPresence NonZeroGMixedOPS"
+                                                         : "ExecutedLoop FuncIndexPresence");
+        EXPECT_EQ(classesOf(configuration->getEligibilityChecks(true)), "ExecutedLoop");
+        EXPECT_EQ(classesOf(configuration->getComparabilityChecks(false)), "RowTypesComparability");
+        EXPECT_EQ(classesOf(configuration->getComparabilityChecks(true)), "");
+    }
+    const auto metric = DefaultConfiguration().getCPUMatchIndicators(both, both)[1];
+    EXPECT_EQ(dynamic_cast<const MetricsMatch<long long>&>(*metric).field, FieldId::ComparisonMetric);
 }
 
 TEST(Checks, pass_executed_rows_with_an_address_and_operations) {

@@ -48,7 +48,7 @@ public:
     LoadSignal& onSurveyResultLoaded() override { return loaded; }
     bool clearHighlighting(DataType, int) override { return false; }
     std::vector<std::string> getMemoryLevelNames() const override { return {}; }
-    int getUsedThreadCount() const override { return 0; }
+    int getUsedThreadCount() const override { return 1; }
     int getLogicalCoreCount() const override { return 0; }
     int getPhysicalCoreCount() const override { return 0; }
     int getPackageCount() const override { return 2; }
@@ -94,20 +94,20 @@ RoofItem memoryRoof(RoofId id, const char* name, std::uint64_t giga, MemoryLevel
             .memoryLevel = level};
 }
 
+const std::string kGemm =
+    "gemm type=0x1000000 GpuElapsedTime=2 SelfFloatOps=200 SelfGFlops=100 SelfFloatAi=2 SelfIntOps=10 "
+    "SelfGIntOps=5 SelfIntAi=0.1 GpuCarmTraffic=100 GpuL3Traffic=50 GpuSlmTraffic=20 GpuMemTraffic=10 "
+    "GpuL3Bandwidth=26";
+
 // 200 giga float and 100 giga integer operations in 4 seconds; another row is no kernel.
 std::shared_ptr<DeviceView> makeView() {
     const auto view = std::make_shared<DeviceView>();
-    const std::string kernel = " type=0x1000000 GpuElapsedTime=2";
-    view->kernels = makeDataset(
-        "gemm" + kernel +
-            " SelfFloatOps=200 SelfGFlops=100 SelfFloatAi=2 SelfIntOps=10 SelfGIntOps=5 SelfIntAi=0.1"
-            " GpuCarmTraffic=100 GpuL3Traffic=50 GpuSlmTraffic=20 GpuMemTraffic=10 GpuL3Bandwidth=26"
-            "\nhash" +
-            kernel +
-            " SelfFloatOps=0 SelfGFlops=0 SelfIntOps=90 SelfGIntOps=45 SelfIntAi=9"
-            " GpuCarmTraffic=10 GpuL3Traffic=45 GpuMemTraffic=40"
-            "\nhost GpuElapsedTime=9 SelfFloatOps=1e6",
-        DataType::Gpu);
+    view->kernels = makeDataset(kGemm +
+                                    "\nhash type=0x1000000 GpuElapsedTime=2 SelfFloatOps=0 SelfGFlops=0 "
+                                    "SelfIntOps=90 SelfGIntOps=45 SelfIntAi=9"
+                                    " GpuCarmTraffic=10 GpuL3Traffic=45 GpuMemTraffic=40"
+                                    "\nhost GpuElapsedTime=9 SelfFloatOps=1e6",
+                                DataType::Gpu);
     view->statistics = makeDataset(R"(
 gemm type=0x1000000
   fma GpuInstructionType=3u GpuArithType=3u GpuArithWidth=32u GpuOperationCount=180 GpuInstructionCount=90
@@ -335,19 +335,55 @@ name=hash vec=1 selfMem=40 effectiveBand=20 memoryLevelPref=HBM-)");
 }
 
 TEST(GpuEngine, TellsWhatLimitsAKernel) {
+    using boost::algorithm::join;
+    const auto boundBy = [](const char* roof, const char* level) {
+        return translate("roofline_bottleneck_bound_by_memory", std::string(roof), translate(level));
+    };
+    const auto wrong = translate("roofline_bottleneck_wrong_configuration_general");
+    const auto above = translate("roofline_bottleneck_above_roofs");
+    // At every level it moves more than the roof allows, yet all of its point's traffic fits below one.
+    const std::string busy = " GpuL3Traffic=700 GpuSlmTraffic=1300 GpuMemTraffic=300";
+    const std::string still = " GpuL3Traffic=0 GpuSlmTraffic=0 GpuMemTraffic=0";
+    const std::tuple<const char*, std::string, std::vector<std::string>, std::string> rules[]{
+        {"f-L3gpu", "", {}, translate("roofline_bottleneck_bound_by_compute", std::string("SP FMA"), 10)},
+        {"f-L3gpu", " GpuMemTraffic=190", {}, boundBy("HBM", "roofline_options_hbm")},
+        {"f-L3gpu", "", {"L1_BW"}, boundBy("L1", "roofline_options_gpu_carm")},
+        {"i-HBMgpu", "", {}, wrong},
+        {"f", busy, {}, above},
+        {"f", " SelfGFlops=1e5", {}, above},
+        {"f", still, {}, translate("roofline_bottleneck_general_error")},
+        {"f", " type=0 SelfGFlops=1e5", {}, translate("roofline_bottleneck_no_stacks_error")},
+    };
+    for (const auto& [configuration, cells, bounds, expected] : rules) {
+        const auto view = makeView();
+        auto table = tableOf(kGemm + cells, DataType::Gpu);
+        table.rows.front().boundedBy = bounds;
+        view->kernels = new Dataset(table);
+        const auto engine = createGpuRooflineInfo(view);
+        view->load();
+        const auto details = parse(engine->getLoopAdditionalInfo(R"({"item": [1]})", nullptr, configuration));
+        ASSERT_EQ(details.Size(), 1u);
+        EXPECT_EQ(join(membersOf(details[0]), " "), "id bottleneck memoryMetrics");
+        EXPECT_EQ(textOf(details[0]["bottleneck"]["messages"][0]), expected) << configuration << cells;
+    }
+}
+
+// The program's one thread fits on no part of a device that tells of no cores: that is no reason to take all.
+TEST(GpuEngine, TakesTheSubDevicesOfARequestAsTheyAre) {
     const auto view = makeView();
     const auto engine = createGpuRooflineInfo(view);
     view->load();
-    view->roofs->asked.clear();
-    const auto details = parse(engine->getLoopAdditionalInfo(R"({"item": [1]})", nullptr, "i-HBMgpu"));
-    ASSERT_EQ(details.Size(), 1u);
-    EXPECT_EQ(boost::join(membersOf(details[0]), " "), "id bottleneck memoryMetrics");
-    EXPECT_EQ(textOf(details[0]["bottleneck"]["messages"][0]),
-              translate("roofline_bottleneck_wrong_configuration_general"));
-    EXPECT_EQ(view->roofs->asked.back(),
-              roof::getGpuRoofConfiguration(TileUsage::Multi, OperationsType::Undefined));
-    const auto other = parse(engine->getLoopAdditionalInfo(R"({"item": 3})", nullptr, "f"));
-    EXPECT_EQ(boost::join(membersOf(other[0]), " "), "id bottleneck memoryMetrics") << "no kernel";
+    const std::pair<const char*, TileUsage> requests[]{
+        {R"(, "packageCount": 1)", TileUsage::Single},
+        {R"(, "packageCount": 2)", TileUsage::Multi},
+        {R"(, "packageCount": "1")", TileUsage::Multi},
+        {"", TileUsage::Multi},
+    };
+    for (const auto& [packages, usage] : requests) {
+        engine->getLoopAdditionalInfo(fmt::format(R"({{"item": [1]{}}})", packages), nullptr, "f");
+        EXPECT_EQ(view->roofs->asked.back(), roof::getGpuRoofConfiguration(usage, OperationsType::Undefined))
+            << packages;
+    }
 }
 
 TEST(GpuSummary, IsAnsweredOnceWithTheDevicesOwnMemory) {
@@ -374,7 +410,11 @@ caption=CARM roofName=carmofchip value=27.5)" +
                               translate("roofline_summary_gflops"), translate("roofline_summary_gintops")));
     EXPECT_EQ(linesOf(summary["roofs"], {"value"}),
               "\nvalue=100\nvalue=300\nvalue=600\nvalue=900\nvalue=900\nvalue=1000\nvalue=400");
-    EXPECT_TRUE(summary.HasMember("instructionMix"));
+    const auto& compute = summary["instructionMix"][0];
+    EXPECT_EQ(lineOf(compute, {"name"}) + " " +
+                  lineOf(compute["instructions"][2], {"instruction", "operationCount", "instructionCount"}),
+              R"(name=Compute instruction=FMA operationCount={"value":180.0,"type":"f","digits":0} )"
+              R"(instructionCount={"value":90.0,"type":"f","digits":0})");
 }
 
 TEST(GpuOperations, AreToldOfEachRow) {

@@ -43,19 +43,24 @@ struct Kernel {
 };
 
 struct Linker final : IDatasetRowLinker {
-    sptr_t<RowNode> getLinkedRow(const sptr_t<RowNode>&) const override { return *statistics->getRows(0); }
+    sptr_t<RowNode> getLinkedRow(const sptr_t<RowNode>& row) const override {
+        for (const auto& each : test::rowsOf(statistics))
+            if (each->getId() == row->getId()) return each;
+        return nullptr;
+    }
     sptr_t<IDataset> statistics;
 };
 
 std::shared_ptr<test::ViewModel> makeResult(const Kernel& kernel) {
     auto table = test::tableOf(
-        "kernel type=0x1000000 SelfGFlops=100 SelfFloatAi=0.5 SelfFloatOps=200 SelfGIntOps=10 SelfIntAi=0.05 "
+        "host\nkernel type=0x1000000 SelfGFlops=100 SelfFloatAi=0.5 SelfFloatOps=200 SelfGIntOps=10 "
+        "SelfIntAi=0.05 "
         "SelfIntOps=20 GpuElapsedTime=2 GpuCarmTraffic=400 GpuL3Traffic=100 GpuSlmTraffic=50 "
         "GpuMemTraffic=50" +
             kernel.cells,
         DataType::Gpu);
-    table.rows.front().boundedBy = kernel.boundedBy;
-    std::string text = "kernel";
+    table.rows[1].boundedBy = kernel.boundedBy;
+    std::string text = "host\nkernel";
     for (const auto& [instruction, type, width, count] : kernel.operations)
         text += fmt::format(
             "\n  s GpuInstructionType={}u GpuArithType={}u GpuArithWidth={}u "
@@ -76,7 +81,7 @@ std::shared_ptr<test::ViewModel> makeResult(const Kernel& kernel) {
 
 std::shared_ptr<IRowRooflineInfo> rowOf(const std::shared_ptr<test::ViewModel>& result) {
     const auto dataset = result->datasets[DataType::Gpu];
-    return createGpuRowRooflineInfo(*dataset->getRows(0), dataset, result, TileUsage::Multi);
+    return createGpuRowRooflineInfo(test::rowsOf(dataset)[1], dataset, result, TileUsage::Multi);
 }
 std::shared_ptr<IRowRooflineInfo> rowOf(const Kernel& kernel) { return rowOf(makeResult(kernel)); }
 

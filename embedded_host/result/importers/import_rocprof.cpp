@@ -36,6 +36,7 @@ struct Kernel {
     std::string_view name;
     Counts counts{};
     std::size_t dispatches = 0;
+    std::size_t line = 0;  // of the first one
 };
 
 // The rows of the result, one a line: a change of one row is one line of a diff.
@@ -47,12 +48,19 @@ public:
         for (const auto& each : statisticFormulas()) {
             m_statistics.push_back(fmt::format(R"({{"instruction":"{}","type":"{}","width":{},"operations":)",
                                                each.instruction, each.type, each.width));
+            m_labels.push_back(
+                fmt::format("the statistic {} {} {}", each.instruction, each.type, each.width));
         }
     }
 
     void begin(std::string head) { m_out = std::move(head); }
-    // Makes room for as many rows, going by the rows so far: the text moves once instead of many times.
-    void expect(std::size_t rows) { m_out.reserve(m_out.size() / m_rows * (rows + rows / 16)); }
+    // Makes room for what `left` bytes of the table give, going by those that were `read`: the text moves
+    // once instead of many times. Lines would not do: a cell may hold any number of them.
+    void expect(std::size_t read, std::size_t left) {
+        constexpr double kSpare = 1.06;
+        const double share = static_cast<double>(left) / static_cast<double>(read);
+        m_out.reserve(static_cast<std::size_t>(static_cast<double>(m_out.size()) * (1.0 + share * kSpare)));
+    }
     void write(std::string_view names, const Kernel& kernel) {
         put(m_rows == 0 ? "\n{\"id\":" : ",\n{\"id\":");
         putNumber(++m_rows);
@@ -66,8 +74,10 @@ public:
         for (std::size_t i = 0; i < m_statistics.size(); ++i) {
             const auto& formula = statisticFormulas()[i];
             const double count = sumOf(kernel.counts, formula.counters);
+            if (count < 0.0) m_negative.insert(m_labels[i]);
             if (!(count > 0.0) || !std::isfinite(formula.perInstruction * count)) continue;
             if (!std::exchange(isFirst, false)) put(",");
+            m_hasHalfVectors |= formula.width == 16 && formula.countsInstructions;
             put(m_statistics[i]);
             putGiga(formula.perInstruction * count);
             if (formula.countsInstructions) {
@@ -83,8 +93,10 @@ public:
         put("\n]\n}\n");
         return std::move(m_out);
     }
-    // Fields that came out below 0.
-    const std::set<std::string_view>& negativeFields() const { return m_negative; }
+    // Fields and statistics that came out below 0.
+    const std::set<std::string_view>& negativeSums() const { return m_negative; }
+    // Whether some row has 16-bit floats that aren't those of matrices.
+    bool hasHalfVectors() const { return m_hasHalfVectors; }
 
 private:
     static constexpr double kExact = 9007199254740992.0;  // whole numbers up to here are exact
@@ -130,7 +142,9 @@ private:
 
     std::vector<std::string> m_cells;       // by formula: what stands before the number
     std::vector<std::string> m_statistics;  // the same
+    std::vector<std::string> m_labels;      // of statistics, for people
     std::set<std::string_view> m_negative;
+    bool m_hasHalfVectors = false;
     std::size_t m_rows = 0;
     std::string m_out;
 };
@@ -153,12 +167,14 @@ public:
         for (std::vector<std::string_view> cells; m_table.next(cells); ++done) {
             if (progress && done % kRowsBetweenReports == 0 && !progress(done, all))
                 throw FileError("cancelled");
-            if (done == kRowsBetweenReports && !merges) m_writer.expect(all);
+            if (done == kRowsBetweenReports && !merges)
+                m_writer.expect(m_table.bytesRead(), m_table.bytesLeft());
             kernel.name = cells[m_name];
+            kernel.line = m_table.line();
             kernel.dispatches = 1;
             m_reader.read(cells, kernel.counts);
             if (!merges) {
-                m_writer.write(names(kernel.name), kernel);
+                m_writer.write(names(kernel), kernel);
                 continue;
             }
             const auto [place, isNew] = places.emplace(kernel.name, kernels.size());
@@ -170,7 +186,7 @@ public:
             ++sum.dispatches;
             for (std::size_t i = 0; i < kCounterCount; ++i) sum.counts[i] += kernel.counts[i];
         }
-        for (const auto& each : kernels) m_writer.write(names(each.name), each);
+        for (const auto& each : kernels) m_writer.write(names(each), each);
         if (done == 0) throw FileError(m_table.file() + ": no rows below the header");
         if (progress) progress(done, done);
         return m_writer.end();
@@ -178,22 +194,24 @@ public:
 
     std::vector<std::string> warnings() const {
         auto texts = m_reader.warnings();
-        for (const auto field : m_writer.negativeFields()) {
+        for (const auto sum : m_writer.negativeSums()) {
             texts.push_back(fmt::format("{}: {} would be negative in some rows and is missing there",
-                                        m_table.file(), field));
+                                        m_table.file(), sum));
         }
         return texts;
     }
+    bool hasHalfVectors() const { return m_writer.hasHalfVectors(); }
 
 private:
     static std::string tablePath(const std::string& folder) {
         return (std::filesystem::path(folder) / "pmc_perf.csv").string();
     }
     // The members with the kernel's name. Names come again and again.
-    std::string_view names(std::string_view name) {
+    std::string_view names(const Kernel& kernel) {
+        const auto name = kernel.name;
         const auto [known, isNew] = m_names.try_emplace(name);
         if (isNew) {
-            const auto what = fmt::format("{}: line {}: the kernel's name", m_table.file(), m_table.line());
+            const auto what = fmt::format("{}: line {}: the kernel's name", m_table.file(), kernel.line);
             const auto plain = plainName(name);
             known->second = "\"FunctionName\":" + jsonText(plain, what);
             if (plain != name) known->second += ",\"MangledName\":" + jsonText(name, what);
@@ -223,6 +241,8 @@ RocprofTexts importRocprof(const RocprofImport& import, const Progress& progress
         "\"program\": {{\"name\": {}}},\n\"machine\": {},\n\"rows\": [",
         jsonText(program, "the program's name"), trimmed(named));
     texts.result = importer.run(std::move(head), import.mergeKernels, progress);
+    if (importer.hasHalfVectors() && !machine.halfPeakWarning.empty())
+        texts.warnings.push_back(std::move(machine.halfPeakWarning));
     const auto warnings = importer.warnings();
     texts.warnings.insert(texts.warnings.end(), warnings.begin(), warnings.end());
     texts.machine = std::move(machine.text);

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <memory>
@@ -28,15 +29,16 @@ struct RoofRow {
 };
 
 // The peaks are those of fused multiply-add: what only adds reaches half of them. Integers have no peak that
-// was measured; they are taken to run as fast as float additions of their width. Ids above 100 are the
-// importer's own.
+// was measured; they are taken to run as fast as float additions of their width. Peaks of 16-bit floats have
+// no ids of their own: they take those of scalar peaks, which no device has, so that they count as what
+// bounds a row. Ids above 100 are the importer's own and never bound one.
 constexpr auto kRoofs = std::to_array<RoofRow>({
     {"L1Bw", 1, "L1 Bandwidth", "GB/s", ""},
     {"LDSBw", 22, "SLM Bandwidth", "GB/s", ""},
     {"L2Bw", 3, "L3 Bandwidth", "GB/s", ""},
     {"HBMBw", 25, "HBM Bandwidth", "GB/s", ""},
-    {"FP16Flops", 101, "HP Vector FMA Peak", "GFLOP/s", R"("arith": "float16", "opKind": "fma", )"},
-    {"FP16Flops", 102, "HP Vector Add Peak", "GFLOP/s", R"("arith": "float16", "opKind": "basic", )", 0.5,
+    {"FP16Flops", 13, "HP Vector FMA Peak", "GFLOP/s", R"("arith": "float16", "opKind": "fma", )"},
+    {"FP16Flops", 9, "HP Vector Add Peak", "GFLOP/s", R"("arith": "float16", "opKind": "basic", )", 0.5,
      "derived"},
     {"FP32Flops", 7, "SP Vector FMA Peak", "GFLOP/s", ""},
     {"FP32Flops", 10, "SP Vector Add Peak", "GFLOP/s", "", 0.5, "derived"},
@@ -51,8 +53,15 @@ constexpr auto kRoofs = std::to_array<RoofRow>({
     {"MFMAI8Ops", 115, "Matrix I8 Peak", "GINTOP/s", R"("arith": "int8", "opKind": "matrix", )"},
 });
 constexpr std::uint32_t kMostUnits = 1'000'000;  // of a machine file
-// Chips and versions without them are no reason for a warning.
-constexpr std::string_view kMayLack = "FP16Flops";
+// Only rows with 16-bit floats miss it.
+constexpr std::string_view kHalfPeak = "FP16Flops";
+
+// A column that gives no roof, and those that it would have given.
+struct Lack {
+    std::string_view column;
+    std::string_view what;
+    std::vector<std::string_view> roofs;
+};
 
 // A table of which the first row counts; without the file all cells are empty.
 class FirstRow {
@@ -72,6 +81,9 @@ public:
 
     bool isThere() const { return m_table != nullptr; }
     const std::string& file() const { return m_table->file(); }
+    bool hasColumn(std::string_view column) const {
+        return m_table && m_table->findColumn(column).has_value();
+    }
     std::string_view cell(std::string_view column) const {
         const auto place = m_table ? m_table->findColumn(column) : std::nullopt;
         return place ? trimmed(m_cells[*place]) : std::string_view();
@@ -82,26 +94,51 @@ private:
     std::vector<std::string_view> m_cells;
 };
 
-std::string roofs(const FirstRow& row, std::vector<std::string>& warnings) {
+// Giga units per second; nothing where there is no roof: without a value, or with one of 0.
+std::optional<double> peakOf(const FirstRow& row, std::string_view column, double factor = 1.0) {
+    const auto cell = row.cell(column);
+    if (cell.empty()) return {};
+    const auto value = parseNumber<double>(cell);
+    if (value && *value == 0.0) return {};
+    const double peak = value.value_or(0.0) * factor;
+    if (peak * 1e9 >= 1.0 && peak <= 1e10) return peak;
+    throw FileError(
+        fmt::format("{}: line 2, column \"{}\": expected 0 or a number, {} to 1e19 per second, found {}",
+                    row.file(), column, 1.0 / factor, inQuotes(cell)));
+}
+
+void addLack(std::vector<Lack>& lacks, const FirstRow& row, const RoofRow& roof) {
+    auto lack = std::find_if(lacks.begin(), lacks.end(),
+                             [&](const Lack& each) { return each.column == roof.column; });
+    if (lack == lacks.end()) {
+        const bool isEmpty = row.cell(roof.column).empty();
+        const auto what = !row.hasColumn(roof.column) ? "no" : isEmpty ? "empty cell in" : "0 in";
+        lack = lacks.insert(lack, {roof.column, what, {}});
+    }
+    lack->roofs.push_back(roof.name);
+}
+
+// The elements of the machine's roofs.
+std::string readRoofs(const FirstRow& row, std::vector<std::string>& warnings, std::string& halfPeakWarning) {
     std::string text;
-    std::string_view missing;
+    std::vector<Lack> lacks;
     for (const auto& roof : kRoofs) {
-        const auto cell = row.cell(roof.column);
-        if (cell.empty()) {
-            if (roof.column != missing && roof.column != kMayLack)
-                warnings.push_back(
-                    fmt::format("{}: no column {}: the {} is missing", row.file(), roof.column, roof.name));
-            missing = roof.column;
+        const auto peak = peakOf(row, roof.column, roof.factor);
+        if (!peak) {
+            addLack(lacks, row, roof);
             continue;
         }
-        const auto value = parseNumber<double>(cell);
-        if (!value || *value * 1e9 < 1.0 || *value > 1e10)
-            throw FileError(
-                fmt::format("{}: line 2, column \"{}\": expected a number, 1 to 1e19 per second, found {}",
-                            row.file(), roof.column, inQuotes(cell)));
         text += fmt::format(R"({}{{"id": {}, "name": "{}", {}"value": {}, "unit": "{}", "how": "{}"}})",
-                            text.empty() ? "\n" : ",\n", roof.id, roof.name, roof.what, *value * roof.factor,
-                            roof.unit, roof.how);
+                            text.empty() ? "\n" : ",\n", roof.id, roof.name, roof.what, *peak, roof.unit,
+                            roof.how);
+    }
+    for (const auto& lack : lacks) {
+        auto warning = fmt::format("{}: {} column {}: missing roofs: {}", row.file(), lack.what, lack.column,
+                                   fmt::join(lack.roofs, ", "));
+        if (lack.column == kHalfPeak)
+            halfPeakWarning = std::move(warning);
+        else
+            warnings.push_back(std::move(warning));
     }
     return text;
 }
@@ -124,7 +161,7 @@ MachineText makeMachine(const std::string& folder, std::vector<std::string>& war
     if (const auto units = parseNumber<std::uint32_t>(system.cell("numCU"));
         units && *units > 0 && *units <= kMostUnits)
         device += fmt::format(R"("computeUnits": {}, )", *units);
-    const bool hasMatrixUnits = !peaks.cell("MFMAF16Flops").empty() || !peaks.cell("MFMAF32Flops").empty();
+    const bool hasMatrixUnits = peakOf(peaks, "MFMAF16Flops") || peakOf(peaks, "MFMAF32Flops");
     device += fmt::format(R"("matrixUnits": {}, "memory": "HBM")", hasMatrixUnits);
 
     const auto title =
@@ -134,7 +171,8 @@ MachineText makeMachine(const std::string& folder, std::vector<std::string>& war
     machine.text = fmt::format(
         "{{\n\"format\": \"roofline-machine\",\n\"version\": 1,\n\"name\": {},\n\"device\": {{{}}},\n"
         "\"roofs\": [{}\n]\n}}\n",
-        jsonText(title, "sysinfo.csv"), device, peaks.isThere() ? roofs(peaks, warnings) : std::string());
+        jsonText(title, "sysinfo.csv"), device,
+        peaks.isThere() ? readRoofs(peaks, warnings, machine.halfPeakWarning) : std::string());
     return machine;
 }
 

@@ -1,0 +1,210 @@
+// The table of kinds.
+#include "cli/kinds.h"
+
+#include "host_interfaces/host_functions.h"
+
+#include "roofline_model/factories.h"
+
+#include "cli/console.h"
+#include "cli/json.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <locale>
+
+namespace cli {
+namespace {
+
+using namespace data_models2;
+using embedded_host::ResultKind;
+
+using Features = RoofThreadingFeatures;
+
+namespace cpu {
+
+constexpr auto kTraffic = std::to_array<TrafficFields>({
+    {"L1", MemoryLevel::L1, FieldId::SelfL1Load, FieldId::SelfL1Store, FieldId::TotalL1Load,
+     FieldId::TotalL1Store},
+    {"L2", MemoryLevel::L2, FieldId::SelfL2Load, FieldId::SelfL2Store, FieldId::TotalL2Load,
+     FieldId::TotalL2Store},
+    {"L3", MemoryLevel::L3, FieldId::SelfL3Load, FieldId::SelfL3Store, FieldId::TotalL3Load,
+     FieldId::TotalL3Store},
+    {"L4", MemoryLevel::L4, FieldId::SelfL4Load, FieldId::SelfL4Store, FieldId::TotalL4Load,
+     FieldId::TotalL4Store},
+    {"DRAM", MemoryLevel::Dram, FieldId::SelfDramLoad, FieldId::SelfDramStore, FieldId::TotalDramLoad,
+     FieldId::TotalDramStore},
+    {"", MemoryLevel::None, FieldId::SelfMemL1, FieldId::None, FieldId::TotalMem, FieldId::None},
+});
+constexpr std::array<std::string_view, 1> kAllOperations{"b"};
+
+std::shared_ptr<IRowRooflineInfo> createRow(const RowQuestion& question) {
+    const auto type = question.dataset->getDataType();
+    return createRowRooflineInfo(question.row, question.dataset, question.viewModel->getRoofManager(type),
+                                 getInstructionMixMap(question.row, question.viewModel->getDataset(type)),
+                                 static_cast<int>(question.viewModel->getMemoryLevelNames().size()),
+                                 std::make_shared<Features>(question.threading));
+}
+
+Features threading(const IRooflineInfo& engine, const RoofChoice& choice) {
+    Features features;
+    features.threadCount = choice.threads;
+    features.strategy = choice.single ? Features::Strategy::SingleThread : Features::Strategy::MultiThread;
+    features.packageCount = choice.packages;
+    if (choice.packages > 0) return features;
+
+    // Threads that don't fit on one package need all of them.
+    const auto info = json::parse(engine.getThreadsInfo(), "the library's thread counts");
+    const auto packages =
+        std::max(1, static_cast<int>(json::number(info, "processorPackageCount").value_or(1)));
+    const auto cores = json::number(info, "physicalCoreCount").value_or(0);
+    const auto used = json::number(info, "usedNumberOfThreads").value_or(0);
+    const auto threads = choice.threads > 0 ? choice.threads : used;
+    features.packageCount = cores > 0 && threads > cores / packages ? packages : 1;
+    return features;
+}
+
+std::string place(const Features& features, const ISurveyingViewModel& viewModel) {
+    const auto asked = features.threadCount > 0 ? features.threadCount : viewModel.getUsedThreadCount();
+    const auto threads = asked > 1 ? asked + asked % 2 : asked;
+    const bool isSingle = features.strategy == Features::Strategy::SingleThread;
+    return fmt::format("{}{} thread{}{} on {} package{}", isSingle ? "a single one of " : "", threads,
+                       threads == 1 ? "" : "s",
+                       threads == asked ? "" : " (odd numbers are taken as the next even one)",
+                       features.packageCount, features.packageCount == 1 ? "" : "s");
+}
+
+}  // namespace cpu
+
+namespace gpu {
+
+constexpr TrafficFields trafficOf(std::string_view option, MemoryLevel level, FieldId field) {
+    return {option, level, field, FieldId::None, field, FieldId::None};
+}
+constexpr auto kTraffic = std::to_array<TrafficFields>({
+    trafficOf("CARMgpu", MemoryLevel::L1, FieldId::GpuCarmTraffic),
+    trafficOf("L3gpu", MemoryLevel::L3, FieldId::GpuL3Traffic),
+    trafficOf("SLMgpu", MemoryLevel::Slm, FieldId::GpuSlmTraffic),
+    trafficOf("XLIgpu", MemoryLevel::Xli, FieldId::GpuMemTraffic),
+    trafficOf("DRAMgpu", MemoryLevel::Dram, FieldId::GpuMemTraffic),
+    trafficOf("HBMgpu", MemoryLevel::Hbm, FieldId::GpuMemTraffic),
+    trafficOf("", MemoryLevel::None, FieldId::GpuCarmTraffic),
+});
+constexpr std::array<std::string_view, 2> kAllOperations{"f", "i"};
+
+TileUsage usageOf(const Features& features) {
+    return features.packageCount == 1 ? TileUsage::Single : TileUsage::Multi;
+}
+
+std::shared_ptr<IRowRooflineInfo> createRow(const RowQuestion& question) {
+    return createGpuRowRooflineInfo(question.row, question.dataset, question.viewModel,
+                                    usageOf(question.threading));
+}
+
+// Packages are the two choices of sub-devices.
+Features threading(const IRooflineInfo& engine, const RoofChoice& choice) {
+    if (choice.threads > 0 || choice.single)
+        throw UsageError(
+            "--threads, --single: the roofs of a GPU don't depend on threads; --packages 1 stands for one "
+            "sub-device, 2 for all of them");
+    if (choice.packages > static_cast<int>(TileUsage::Multi))
+        throw UsageError("--packages: of a GPU 1 stands for one sub-device, 2 for all of them");
+    Features features;
+    features.packageCount = choice.packages;
+    if (choice.packages > 0) return features;
+    features.packageCount = static_cast<int>(TileUsage::Multi);
+    const auto text = engine.getThreadsInfo();
+    if (text.empty()) return features;  // no device is known
+    const auto info = json::parse(text, "the library's sub-devices");
+    if (const auto* const group = json::member(info, "group"))
+        features.packageCount =
+            static_cast<int>(json::number(*group, "defaultValue").value_or(features.packageCount));
+    return features;
+}
+
+std::string place(const Features& features, const ISurveyingViewModel&) {
+    return usageOf(features) == TileUsage::Single ? "one sub-device" : "all sub-devices";
+}
+
+}  // namespace gpu
+
+constexpr std::array<ResultTraits, 3> kKinds{{
+    {
+        .kind = ResultKind::Cpu,
+        .name = "CPU",
+        .rows = DataType::Cpu,
+        .tree = DataType::CpuTopDown,
+        .compared = DataType::Cpu,
+        .createEngine = createRooflineInfo,
+        .createRow = cpu::createRow,
+        .selfTime = FieldId::SelfElapsedTime,
+        .totalTime = FieldId::TotalElapsedTime,
+        .traffic = cpu::kTraffic,
+        .allOperations = cpu::kAllOperations,
+        .threading = cpu::threading,
+        .place = cpu::place,
+        .hasThreads = true,
+        .countsInstructions = false,
+        .levelNeeds = "loads and stores",
+        .invalidRow = "holds other loops: only total data would do",
+        .rowConfig = "of --config only 0 (total data) or 1 (self data) counts for rows",
+    },
+    {
+        .kind = ResultKind::Gpu,
+        .name = "GPU",
+        .rows = DataType::Gpu,
+        .tree = DataType::None,
+        .compared = DataType::Gpu,
+        .createEngine = createGpuRooflineInfo,
+        .createRow = gpu::createRow,
+        .selfTime = FieldId::GpuElapsedTime,
+        .totalTime = FieldId::GpuElapsedTime,
+        .traffic = gpu::kTraffic,
+        .allOperations = gpu::kAllOperations,
+        .threading = gpu::threading,
+        .place = gpu::place,
+        .hasThreads = false,
+        .countsInstructions = true,
+        .levelNeeds = "the traffic of each",
+        .invalidRow = "no kernel",
+        .rowConfig = "--config doesn't matter to the rows of a GPU",
+    },
+    {
+        .kind = ResultKind::Offload,
+        .name = "offload",
+        .rows = DataType::Offload,
+        .tree = DataType::None,
+        .compared = DataType::None,
+        .createEngine = nullptr,
+        .createRow = nullptr,
+        .selfTime = FieldId::None,
+        .totalTime = FieldId::None,
+        .traffic = {},
+        .allOperations = {},
+        .threading = nullptr,
+        .place = nullptr,
+        .hasThreads = false,
+        .countsInstructions = false,
+        .levelNeeds = nullptr,
+        .invalidRow = nullptr,
+        .rowConfig = nullptr,
+    },
+}};
+
+}  // namespace
+
+const ResultTraits& kindOf(const embedded_host::Result& result) {
+    return *std::find_if(kKinds.begin(), kKinds.end(),
+                         [&](const ResultTraits& each) { return each.kind == result.kind(); });
+}
+
+const ResultTraits* findKind(const std::string& name) {
+    const auto found = std::find_if(kKinds.begin(), kKinds.end(), [&](const ResultTraits& each) {
+        return boost::algorithm::iequals(each.name, name, std::locale::classic());
+    });
+    return found == kKinds.end() ? nullptr : &*found;
+}
+
+}  // namespace cli

@@ -1,0 +1,66 @@
+// What differs for the program between the kinds of results: one record each.
+#pragma once
+
+#include "host_interfaces/roofline_services.h"
+
+#include "embedded_host/embedded_host.h"
+
+#include "cli/requests.h"
+
+#include <map>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace cli {
+
+// Where the traffic of one memory level stands; None: there is no such field.
+struct TrafficFields {
+    std::string_view option;  // the level as a configuration has it; empty: none is chosen
+    data_models2::MemoryLevel level;
+    data_models2::FieldId selfLoad, selfStore, totalLoad, totalStore;
+};
+
+// What the roofline of one row is worked out of.
+struct RowQuestion {
+    const data_models2::sptr_t<data_models2::RowNode>& row;
+    const data_models2::sptr_t<data_models2::IDataset>& dataset;  // shows the chosen threads
+    const std::shared_ptr<data_models2::ISurveyingViewModel>& viewModel;
+    const data_models2::RoofThreadingFeatures& threading;
+};
+
+struct ResultTraits {
+    embedded_host::ResultKind kind;
+    std::string_view name;
+    data_models2::DataType rows;
+    data_models2::DataType tree;
+    data_models2::DataType compared;  // None: the library doesn't match its rows
+    // Null: the library has no engine for this kind, and nothing below is there.
+    std::shared_ptr<data_models2::IRooflineInfo> (*createEngine)(
+        std::shared_ptr<data_models2::ISurveyingViewModel>);
+    // Null when the library has no answer.
+    std::shared_ptr<data_models2::IRowRooflineInfo> (*createRow)(const RowQuestion&);
+
+    data_models2::FieldId selfTime, totalTime;
+    std::span<const TrafficFields> traffic;           // the one without a level last
+    std::span<const std::string_view> allOperations;  // options whose roofs together are all roofs
+
+    // What --threads, --packages and --single stand for; throws UsageError where they mean nothing.
+    data_models2::RoofThreadingFeatures (*threading)(const data_models2::IRooflineInfo&, const RoofChoice&);
+    // The same in words, such as "8 threads on 1 package".
+    std::string (*place)(const data_models2::RoofThreadingFeatures&,
+                         const data_models2::ISurveyingViewModel&);
+    bool hasThreads;          // its roofs depend on a number of threads
+    bool countsInstructions;  // `report_helpers::getGpuOperationsMapsJson` tells of its rows
+
+    const char* levelNeeds;  // what a row with a point needs to have levels
+    const char* invalidRow;  // why the library may doubt a row with a point and a limit
+    const char* rowConfig;   // what of --config counts for single rows
+};
+
+const ResultTraits& kindOf(const embedded_host::Result& result);
+// By the name that a result file has, in any case; null for an unknown one.
+const ResultTraits* findKind(const std::string& name);
+
+}  // namespace cli
