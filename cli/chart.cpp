@@ -50,7 +50,7 @@ Chart makeChart(const ChartRequest& request) {
 
 std::string draw(const Chart& chart) {
     PictureOptions options;
-    options.title = chart.session.viewModel->getProgramInfo().name;
+    options.title = chart.session.models.all->getProgramInfo().name;
     if (options.title.empty()) options.title = "Roofline";
     const auto machine = chart.session.result->machineName();
     options.subtitle = machine.empty() ? chart.complete : fmt::format("{}  |  {}", machine, chart.complete);
@@ -66,25 +66,29 @@ struct Hint {
 };
 
 bool onlyOther(const Chart& chart, const char* asked, const char* other) {
-    return !chart.document.hasData() && operationsOf(chart.complete) == asked &&
-           !hasOperations(chart.session.rows, asked) && hasOperations(chart.session.rows, other);
+    return !chart.document.hasData() && operationsOf(*chart.session.kind, chart.complete).option == asked &&
+           !hasOperations(chart.session, asked) && hasOperations(chart.session, other);
 }
 
-bool lacksTraffic(const Chart& chart, const char* stacks) {
+bool hasStacks(const Chart& chart) { return (chart.complete + '-').find("-0-") != std::string::npos; }
+
+bool lacksTraffic(const Chart& chart) {
     const auto& causes = chart.count.unplaced;
     const bool isMissing = std::any_of(causes.begin(), causes.end(),
                                        [](const UnplacedRows& each) { return each.cause == "no traffic"; });
-    return !chart.document.hasData() && isMissing && (chart.complete + '-').find(stacks) != std::string::npos;
+    return !chart.document.hasData() && isMissing;
 }
 
-constexpr std::array<Hint, 6> kHints{{
+constexpr std::array<Hint, 7> kHints{{
     {[](const Chart& chart) { return onlyOther(chart, "f", "i"); },
      "no float operations here: try --config i"},
     {[](const Chart& chart) { return onlyOther(chart, "i", "f"); },
      "no integer operations here: try --config f"},
-    {[](const Chart& chart) { return lacksTraffic(chart, "-1-"); },
+    {[](const Chart& chart) { return lacksTraffic(chart) && !hasStacks(chart); },
      "rows lack traffic at that memory level: `roofline options RESULT --table` lists the levels"},
-    {[](const Chart& chart) { return lacksTraffic(chart, "-0-"); },
+    {[](const Chart& chart) { return lacksTraffic(chart) && chart.session.kind->isProjection; },
+     "a projection has the levels that were measured: `roofline project --fill-levels` adds the others"},
+    {[](const Chart& chart) { return lacksTraffic(chart) && hasStacks(chart); },
      "with call stacks every caller needs the total traffic of its level (fields such as TotalL1Load): "
      "try --config 1"},
     {[](const Chart& chart) { return chart.count.rows == 0; },
@@ -96,6 +100,7 @@ constexpr std::array<Hint, 6> kHints{{
 }  // namespace
 
 int runChart(const ChartRequest& request, Console& console) {
+    if (!request.with.empty()) return runProjectedChart(request, console);
     const auto chart = makeChart(request);
     Answer answer;
     answer.json = [&] { return chart.json; };

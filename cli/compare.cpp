@@ -65,7 +65,8 @@ ComparisonData findPairs(const Sessions& sessions, const CompareRequest& request
     const auto comparer = request.roofline ? data_models2::createRooflineResultsComparer()
                                            : data_models2::createResultsComparer();
     if (!comparer) throw std::runtime_error("the library has no comparer");
-    ComparisonData data{sessions.base.viewModel, sessions.other.viewModel, sessions.base.kind->compared, {}};
+    ComparisonData data{
+        sessions.base.models.survey, sessions.other.models.survey, sessions.base.kind->compared, {}};
     BarProgress progress(bar);
     if (!comparer->compare(data, request.threshold, &progress)) data.matches.clear();
     bar.clear();
@@ -87,7 +88,7 @@ std::string detailsOf(const Sessions& sessions, const ComparisonData& data, cons
         throw std::runtime_error(fmt::format("{}: there is no row {} that has a partner in {}",
                                              request.base.file, *request.details, request.newFile));
     const auto objectOf = [](const Session& session, const auto& row) {
-        return session.viewModel->getDataset(session.kind->compared)->getObjectId(row);
+        return session.models.all->getDataset(session.kind->compared)->getObjectId(row);
     };
     const auto ids = fmt::format(R"({{"first":"{}","second":"{}"}})", objectOf(sessions.base, pair->first),
                                  objectOf(sessions.other, pair->second));
@@ -98,7 +99,7 @@ std::string detailsOf(const Sessions& sessions, const ComparisonData& data, cons
 }
 
 ComparedResult describe(const Session& session, const std::string& file) {
-    auto program = session.viewModel->getProgramInfo().name;
+    auto program = session.models.all->getProgramInfo().name;
     if (program.empty()) program = std::filesystem::path(file).stem().string();
     return {file, std::move(program), session.result->machineName()};
 }

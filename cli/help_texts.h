@@ -11,6 +11,16 @@ for the threads that the program used, an odd number raised to the next even one
 of the roof; above a roof it is more than 100 % and has a "!". A level whose traffic wasn't measured is
 N/A.)";
 
+inline constexpr auto kChartFooter =
+    R"(--with OFFLOAD_RESULT shows each row where it was measured and where it would stand on a target, under
+the roofs of the target. Rows find each other by their ids, as `roofline project` keeps them; rows of one side
+only are counted. Points are those of self data over the traffic of the core, the one level that every row
+knows, so of --config only the operations (f, i, b) count; a point above the roof of an outer level says that
+the caches catch traffic. The table tells times, the speed-up that the projection promises, and what bounds
+the row there. --svg draws an arrow from the measured point to the projected one, coloured by that bound.
+JSON and CSV are this program's own then: "rows" with "measured" and "projected", "measured_only",
+"projected_only", "totals"; in CSV "side" is both, measured or projected.)";
+
 inline constexpr auto kRowsFooter =
     R"(Each row is taken by the operations that it has most of, float or integer, with its total data where
 they are there, else with its self data; without callees the two are the same. Of --config the choice of call
@@ -33,7 +43,8 @@ threads or for --threads; odd numbers are taken as the next even one.
                   right roof, so its cells, the machine or the measurement are wrong
 
 A row of a GPU is a kernel with its own data: neither --config nor threads matter to it. Its compute roof is
-that of the type and the instructions that it executed most; without such a roof none limits the row.
+that of the type and the instructions that it executed most; without such a roof none limits the row. A row of
+an offload result is a region on the target, likewise; its compute roof is that of its more frequent width.
 
 With --level all each memory level has a line: its traffic, the intensity against it, the level's own roof,
 how much of it is reached, and its share of the row's memory time, that is of traffic over bandwidth. A level

@@ -23,6 +23,24 @@ using embedded_host::ResultKind;
 
 using Features = RoofThreadingFeatures;
 
+// A result that was measured.
+template <auto createEngine>
+OpenedResult openSurvey(const embedded_host::Result& result) {
+    auto survey = result.viewModel();
+    return {{survey, survey}, createEngine(survey)};
+}
+
+std::size_t surveyLevels(const Models& models) { return models.survey->getMemoryLevelNames().size(); }
+
+constexpr auto kSurveyOperations = std::to_array<OperationFields>({
+    {"f", FieldId::SelfFloatOps, FieldId::TotalFloatOps, FieldId::SelfGFlops, FieldId::SelfFloatAi,
+     "no float operations"},
+    {"i", FieldId::SelfIntOps, FieldId::TotalIntOps, FieldId::SelfGIntOps, FieldId::SelfIntAi,
+     "no integer operations"},
+    {"b", FieldId::SelfMixedOps, FieldId::TotalMixedOps, FieldId::SelfGMixedOps, FieldId::SelfMixedAi,
+     "no operations"},
+});
+
 namespace cpu {
 
 constexpr auto kTraffic = std::to_array<TrafficFields>({
@@ -41,10 +59,11 @@ constexpr auto kTraffic = std::to_array<TrafficFields>({
 constexpr std::array<std::string_view, 1> kAllOperations{"b"};
 
 std::shared_ptr<IRowRooflineInfo> createRow(const RowQuestion& question) {
+    const auto& survey = *question.models.survey;
     const auto type = question.dataset->getDataType();
-    return createRowRooflineInfo(question.row, question.dataset, question.viewModel->getRoofManager(type),
-                                 getInstructionMixMap(question.row, question.viewModel->getDataset(type)),
-                                 static_cast<int>(question.viewModel->getMemoryLevelNames().size()),
+    return createRowRooflineInfo(question.row, question.dataset, survey.getRoofManager(type),
+                                 getInstructionMixMap(question.row, survey.getDataset(type)),
+                                 static_cast<int>(surveyLevels(question.models)),
                                  std::make_shared<Features>(question.threading));
 }
 
@@ -66,8 +85,10 @@ Features threading(const IRooflineInfo& engine, const RoofChoice& choice) {
     return features;
 }
 
-std::string place(const Features& features, const ISurveyingViewModel& viewModel) {
-    const auto asked = features.threadCount > 0 ? features.threadCount : viewModel.getUsedThreadCount();
+int usedThreads(const Models& models) { return models.survey->getUsedThreadCount(); }
+
+std::string place(const Features& features, const Models& models) {
+    const auto asked = features.threadCount > 0 ? features.threadCount : usedThreads(models);
     const auto threads = asked > 1 ? asked + asked % 2 : asked;
     const bool isSingle = features.strategy == Features::Strategy::SingleThread;
     return fmt::format("{}{} thread{}{} on {} package{}", isSingle ? "a single one of " : "", threads,
@@ -99,7 +120,7 @@ TileUsage usageOf(const Features& features) {
 }
 
 std::shared_ptr<IRowRooflineInfo> createRow(const RowQuestion& question) {
-    return createGpuRowRooflineInfo(question.row, question.dataset, question.viewModel,
+    return createGpuRowRooflineInfo(question.row, question.dataset, question.models.survey,
                                     usageOf(question.threading));
 }
 
@@ -124,28 +145,76 @@ Features threading(const IRooflineInfo& engine, const RoofChoice& choice) {
     return features;
 }
 
-std::string place(const Features& features, const ISurveyingViewModel&) {
+std::string place(const Features& features, const Models&) {
     return usageOf(features) == TileUsage::Single ? "one sub-device" : "all sub-devices";
 }
 
 }  // namespace gpu
 
+namespace offload {
+
+// A region holds all that it calls: its total fields are its own.
+constexpr auto kOperations = std::to_array<OperationFields>({
+    {"f", FieldId::TotalFloatOps, FieldId::TotalFloatOps, FieldId::TotalGFlops, FieldId::TotalFloatAi,
+     "no float operations"},
+    {"i", FieldId::TotalIntOps, FieldId::TotalIntOps, FieldId::TotalGIntOps, FieldId::TotalIntAi,
+     "no integer operations"},
+    {"b", FieldId::TotalMixedOps, FieldId::TotalMixedOps, FieldId::TotalGMixedOps, FieldId::TotalMixedAi,
+     "no operations"},
+});
+
+constexpr auto kTraffic = std::to_array<TrafficFields>({
+    gpu::trafficOf("L3gpu", MemoryLevel::L3, FieldId::OffloadL3Bytes),
+    gpu::trafficOf("SLMgpu", MemoryLevel::Slm, FieldId::OffloadSlmBytes),
+    gpu::trafficOf("XLIgpu", MemoryLevel::Xli, FieldId::OffloadXliBytes),
+    gpu::trafficOf("DRAMgpu", MemoryLevel::Dram, FieldId::OffloadDramBytes),
+    gpu::trafficOf("GDDR6gpu", MemoryLevel::Gddr6, FieldId::OffloadGddr6Bytes),
+    gpu::trafficOf("HBMgpu", MemoryLevel::Hbm, FieldId::OffloadHbmBytes),
+    gpu::trafficOf("", MemoryLevel::None, FieldId::OffloadL1Bytes),
+});
+constexpr std::array<std::string_view, 1> kAllOperations{"b"};
+
+OpenedResult open(const embedded_host::Result& result) {
+    const auto projection = result.projection();
+    return {{projection, nullptr}, createOffloadRooflineInfo(projection)};
+}
+
+std::shared_ptr<IRowRooflineInfo> createRow(const RowQuestion& question) {
+    return createOffloadRowRooflineInfo(question.row, question.dataset,
+                                        question.models.all->getRoofManager(DataType::Offload),
+                                        gpu::usageOf(question.threading) == TileUsage::Single);
+}
+
+std::size_t levelCount(const Models& models) {
+    const auto rows = models.all->getDataset(DataType::Offload);
+    return static_cast<std::size_t>(std::count_if(kTraffic.begin(), kTraffic.end(), [&](const auto& each) {
+        return rows && rows->getColumn(each.selfLoad);
+    }));
+}
+
+}  // namespace offload
+
 constexpr std::array<ResultTraits, 3> kKinds{{
     {
         .kind = ResultKind::Cpu,
         .name = "CPU",
+        .aResult = "a CPU result",
         .rows = DataType::Cpu,
         .tree = DataType::CpuTopDown,
         .compared = DataType::Cpu,
-        .createEngine = createRooflineInfo,
+        .open = openSurvey<createRooflineInfo>,
         .createRow = cpu::createRow,
         .selfTime = FieldId::SelfElapsedTime,
         .totalTime = FieldId::TotalElapsedTime,
+        .location = FieldId::Location,
+        .operations = kSurveyOperations,
         .traffic = cpu::kTraffic,
         .allOperations = cpu::kAllOperations,
         .threading = cpu::threading,
         .place = cpu::place,
-        .hasThreads = true,
+        .levelCount = surveyLevels,
+        .usedThreads = cpu::usedThreads,
+        .isProjection = false,
         .countsInstructions = false,
         .levelNeeds = "loads and stores",
         .invalidRow = "holds other loops: only total data would do",
@@ -154,18 +223,23 @@ constexpr std::array<ResultTraits, 3> kKinds{{
     {
         .kind = ResultKind::Gpu,
         .name = "GPU",
+        .aResult = "a GPU result",
         .rows = DataType::Gpu,
         .tree = DataType::None,
         .compared = DataType::Gpu,
-        .createEngine = createGpuRooflineInfo,
+        .open = openSurvey<createGpuRooflineInfo>,
         .createRow = gpu::createRow,
         .selfTime = FieldId::GpuElapsedTime,
         .totalTime = FieldId::GpuElapsedTime,
+        .location = FieldId::Location,
+        .operations = kSurveyOperations,
         .traffic = gpu::kTraffic,
         .allOperations = gpu::kAllOperations,
         .threading = gpu::threading,
         .place = gpu::place,
-        .hasThreads = false,
+        .levelCount = surveyLevels,
+        .usedThreads = nullptr,
+        .isProjection = false,
         .countsInstructions = true,
         .levelNeeds = "the traffic of each",
         .invalidRow = "no kernel",
@@ -174,22 +248,27 @@ constexpr std::array<ResultTraits, 3> kKinds{{
     {
         .kind = ResultKind::Offload,
         .name = "offload",
+        .aResult = "an offload result",
         .rows = DataType::Offload,
         .tree = DataType::None,
         .compared = DataType::None,
-        .createEngine = nullptr,
-        .createRow = nullptr,
-        .selfTime = FieldId::None,
-        .totalTime = FieldId::None,
-        .traffic = {},
-        .allOperations = {},
-        .threading = nullptr,
-        .place = nullptr,
-        .hasThreads = false,
+        .open = offload::open,
+        .createRow = offload::createRow,
+        .selfTime = FieldId::OffloadElapsedTime,
+        .totalTime = FieldId::OffloadElapsedTime,
+        .location = FieldId::OffloadSourceLocation,
+        .operations = offload::kOperations,
+        .traffic = offload::kTraffic,
+        .allOperations = offload::kAllOperations,
+        .threading = gpu::threading,
+        .place = gpu::place,
+        .levelCount = offload::levelCount,
+        .usedThreads = nullptr,
+        .isProjection = true,
         .countsInstructions = false,
-        .levelNeeds = nullptr,
-        .invalidRow = nullptr,
-        .rowConfig = nullptr,
+        .levelNeeds = "the traffic of each",
+        .invalidRow = "no operations over a traffic of the core",
+        .rowConfig = "--config doesn't matter to the rows of a projection",
     },
 }};
 

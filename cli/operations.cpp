@@ -77,7 +77,7 @@ std::vector<KernelOperations> parseOperations(const std::string& text) {
 
 std::map<std::string, MainTypes> mainTypes(const Session& session) {
     if (!session.kind->countsInstructions) return {};
-    const auto text = data_models2::report_helpers::getGpuOperationsMapsJson(session.viewModel);
+    const auto text = data_models2::report_helpers::getGpuOperationsMapsJson(session.models.survey);
     std::map<std::string, MainTypes> all;
     if (text.empty()) return all;
     for (const auto& kernel : parseOperations(text)) {
@@ -98,10 +98,9 @@ std::map<std::string, MainTypes> mainTypes(const Session& session) {
 int runOperations(const OperationsRequest& request, Console& console) {
     const auto session = openSession(request.source);
     if (!session.kind->countsInstructions)
-        throw UsageError(
-            fmt::format("{}: a {} result doesn't tell the instructions of kernels, a GPU one does",
-                        request.source.file, session.kind->name));
-    const auto text = data_models2::report_helpers::getGpuOperationsMapsJson(session.viewModel);
+        throw UsageError(fmt::format("{}: {} doesn't tell the instructions of kernels, a GPU one does",
+                                     request.source.file, session.kind->aResult));
+    const auto text = data_models2::report_helpers::getGpuOperationsMapsJson(session.models.survey);
     if (text.empty()) throw std::runtime_error("the library has no operations of this result");
     Answer answer;
     answer.json = [&] { return text; };

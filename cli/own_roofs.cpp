@@ -23,7 +23,7 @@ struct Assignment {
 
 std::vector<RoofItem> knownRoofs(const Session& session) {
     std::vector<RoofItem> known;
-    if (const auto table = session.viewModel->getRoofManager(session.kind->rows))
+    if (const auto table = session.models.all->getRoofManager(session.kind->rows))
         for (auto roofs = table->getRoofs({}); !roofs.isEnd(); ++roofs) known.push_back(*roofs);
     return known;
 }
@@ -79,7 +79,7 @@ std::string valueText(const Assignment& set) {
 
 // "8 threads on 1 package in machine.json"
 std::string placeText(const Session& session, const RoofThreadingFeatures& features) {
-    return fmt::format("{} in {}", session.kind->place(features, *session.viewModel),
+    return fmt::format("{} in {}", session.kind->place(features, session.models),
                        session.result->machineFile());
 }
 

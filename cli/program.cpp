@@ -157,8 +157,13 @@ void addReaders(Commands& commands) {
     addSource(*chart, chartRequest->source);
     addConfiguration(*chart, chartRequest->configuration);
     addRoofChoice(*chart, chartRequest->roofs);
+    chart
+        ->add_option("--with", chartRequest->with,
+                     "an offload result of the same rows, shown beside under the roofs of its target")
+        ->type_name("OFFLOAD_RESULT");
     addOutputs(*chart, chartRequest->outputs, "the table");
     addPicture(*chart, chartRequest->outputs);
+    chart->footer(std::string(kChartFooter) + "\n\n" + chart->get_footer());
 
     auto [summary, summaryRequest] = commands.add<SummaryRequest>(
         commands.app, "summary", "Tell how much of its roofs the program reaches",

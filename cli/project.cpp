@@ -13,9 +13,11 @@ namespace cli {
 namespace {
 namespace fs = std::filesystem;
 
+bool isFile(const ProjectRequest& request) { return !request.output.empty() && request.output != "-"; }
+
 // From the new result's folder, from which a result looks for its machine.
 std::string machineName(const ProjectRequest& request) {
-    if (request.output.empty() || request.output == "-") return request.target;
+    if (!isFile(request)) return request.target;
     const auto folder = fs::absolute(request.output).parent_path();
     return fs::absolute(request.target).lexically_proximate(folder).generic_string();
 }
@@ -41,7 +43,11 @@ int runProject(const ProjectRequest& request, Console& console) {
             "{} rows lack traffic at some level of the target, which then takes no time{}\n",
             projection.gapCount, request.fillLevels ? "" : ": see --fill-levels");
     if (projection.rowCount == 0) return kNoAnswer;
-    return writeImported(projection.result, request.output, request.force, console);
+    const auto code = writeImported(projection.result, request.output, request.force, console);
+    if (code == kDone && isFile(request))
+        console.err << fmt::format("both together: roofline chart {} --with {}\n", request.file,
+                                   request.output);
+    return code;
 }
 
 }  // namespace cli

@@ -58,6 +58,7 @@ struct ChartRequest {
     Outputs outputs;
     std::optional<std::string> configuration;
     RoofChoice roofs;
+    std::string with;  // an offload result to show beside; empty: none
 };
 struct SummaryRequest {
     ResultSource source;
@@ -142,6 +143,7 @@ int runOptions(const OptionsRequest&, Console&);
 int runThreads(const ThreadsRequest&, Console&);
 int runRoofs(const RoofsRequest&, Console&);
 int runChart(const ChartRequest&, Console&);
+int runProjectedChart(const ChartRequest&, Console&);
 int runSummary(const SummaryRequest&, Console&);
 int runRows(const RowsRequest&, Console&);
 int runRow(const RowRequest&, Console&);

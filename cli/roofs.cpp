@@ -58,7 +58,7 @@ Table allRoofsTable(const std::string& text) {
 // The library names roofs by their short form here.
 Table selectedRoofsTable(const Session& session, const std::string& text) {
     std::map<std::string, std::string> names;
-    for (auto roof = session.viewModel->getRoofManager(session.kind->rows)->getRoofs({}); !roof.isEnd();
+    for (auto roof = session.models.all->getRoofManager(session.kind->rows)->getRoofs({}); !roof.isEnd();
          ++roof)
         names.emplace(roofKey((*roof).name), (*roof).name);
     const auto nameOf = [&](const std::string& shortName) {
@@ -91,6 +91,7 @@ std::string askLibrary(const Session& session, const RoofsRequest& request,
 
 int runRoofs(const RoofsRequest& request, Console& console) {
     const auto session = openSession(request.source);
+    if (request.all) needMeasured(session, request.source.file, "list of thread set-ups");
     const auto configuration = chooseConfiguration(session, request.configuration);
     if (!request.set.empty()) setOwnRoofs(session, request, console);
     if (request.clear) clearOwnRoofs(session, request, console);

@@ -23,12 +23,12 @@ public:
         : m_rooflines(rooflines),
           m_data(*rooflines.dataset()),
           m_name(m_data.getColumn(FieldId::FunctionName)),
-          m_location(m_data.getColumn(FieldId::Location)),
+          m_location(m_data.getColumn(rooflines.kind().location)),
           m_time(
               m_data.getColumn(rooflines.isTotal() ? rooflines.kind().totalTime : rooflines.kind().selfTime)),
-          m_floatOps(m_data.getColumn(FieldId::SelfFloatOps)),
-          m_intOps(m_data.getColumn(FieldId::SelfIntOps)),
-          m_programSeconds(session.viewModel->getProgramInfo().elapsedTime),
+          m_floatOps(m_data.getColumn(rooflines.kind().operations[0].self)),
+          m_intOps(m_data.getColumn(rooflines.kind().operations[1].self)),
+          m_programSeconds(session.models.all->getProgramInfo().elapsedTime),
           m_levelCaptions(optionCaptions(session)),
           m_types(mainTypes(session)) {}
 

@@ -79,29 +79,28 @@ RowRooflines::RowRooflines(const Session& session, const std::string& configurat
       m_dataset(m_isTotal ? session.tree : session.rows),
       m_features(threadingOf(session, choice)),
       m_kind(*session.kind),
-      m_viewModel(session.viewModel) {
+      m_models(session.models) {
     if (!m_dataset) throw std::runtime_error("the result has no rows");
     m_chosen = new ChosenData(m_dataset, choice.threads);
     if (session.tree && !m_isTotal) m_callers = callersOf(session.tree);
-    if (!m_viewModel->getRoofManager(m_dataset->getDataType()))
+    if (!m_models.all->getRoofManager(m_dataset->getDataType()))
         throw std::runtime_error("the result knows no roofs: give a machine with --machine FILE");
 }
 
 std::shared_ptr<IRowRooflineInfo> RowRooflines::of(const Row& row) const {
-    auto info = m_kind.createRow({row, m_chosen, m_viewModel, m_features});
+    auto info = m_kind.createRow({row, m_chosen, m_models, m_features});
     if (!info) throw std::runtime_error(fmt::format("the library has no answer for row {}", row->getId()));
     return info;
 }
-
-int RowRooflines::levelCount() const { return static_cast<int>(m_viewModel->getMemoryLevelNames().size()); }
 
 bool RowRooflines::isWithCallees(const Row& row, const IRowRooflineInfo& info) const {
     return !m_isTotal && info.areTotalMetricsAvailable() && m_callers.count(row->getId());
 }
 
 void warnOfOddThreads(const Session& session, const RoofChoice& choice, Console& console) {
-    const int threads = choice.threads > 0 ? choice.threads : session.viewModel->getUsedThreadCount();
-    if (!session.kind->hasThreads || choice.single || threads < 2 || threads % 2 == 0) return;
+    if (!session.kind->usedThreads || choice.single) return;
+    const int threads = choice.threads > 0 ? choice.threads : session.kind->usedThreads(session.models);
+    if (threads < 2 || threads % 2 == 0) return;
     console.err << fmt::format("note: a row's roofs are set up for 1 or an even number of threads: {} here\n",
                                threads + 1);
 }

@@ -26,8 +26,8 @@ public:
     // Holds every row.
     const Dataset& dataset() const { return m_dataset; }
     const data_models2::RoofThreadingFeatures& threading() const { return m_features; }
-    // Memory levels that were measured.
-    int levelCount() const;
+    // Memory levels that the rows know.
+    std::size_t levelCount() const { return m_kind.levelCount(m_models); }
     const ResultTraits& kind() const { return m_kind; }
     // Never null.
     std::shared_ptr<data_models2::IRowRooflineInfo> of(const Row& row) const;
@@ -42,7 +42,7 @@ private:
     std::set<std::uint64_t> m_callers;
     data_models2::RoofThreadingFeatures m_features;
     const ResultTraits& m_kind;
-    std::shared_ptr<data_models2::ISurveyingViewModel> m_viewModel;
+    Models m_models;
 };
 
 // Tells when the library's roofs are those of another number of threads than the one in effect.

@@ -26,14 +26,14 @@ bool choosesMore(const std::string& configuration) {
     return !configuration.empty() && configuration != "0" && configuration != "1";
 }
 
-void explainChoices(const Session& session, const RowsRequest& request, const RowTableRequest& table,
-                    Console& console) {
+void explainChoices(const Session& session, const RowRooflines& rooflines, const RowsRequest& request,
+                    const RowTableRequest& table, Console& console) {
     warnOfOddThreads(session, request.roofs, console);
     if (choosesMore(request.configuration.value_or("")))
         console.err << fmt::format(
             "note: {}: each is taken by the operations that it has most of, and with all of its traffic\n",
             session.kind->rowConfig);
-    if (table.levels && session.viewModel->getMemoryLevelNames().size() < 2)
+    if (table.levels && rooflines.levelCount() < 2)
         console.err << "note: this result was measured at one memory level only\n";
     if (session.result->machineName().empty())
         console.err
@@ -65,7 +65,7 @@ int runRows(const RowsRequest& request, Console& console) {
     answer.csv = [&] { return rowsCsv(table); };
     answer.table = [&] { return rowsText(table); };
     deliver(answer, request.outputs, console);
-    explainChoices(session, request, table, console);
+    explainChoices(session, rooflines, request, table, console);
     return table.lines.empty() ? kNoAnswer : kDone;
 }
 

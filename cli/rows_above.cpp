@@ -24,7 +24,7 @@ struct LevelRoof {
 // The highest one of the level.
 LevelRoof findRoof(const Session& session, const json::Value& roofs, MemoryLevel level) {
     LevelRoof highest;
-    const auto table = session.viewModel->getRoofManager(session.kind->rows);
+    const auto table = session.models.all->getRoofManager(session.kind->rows);
     if (!table) return highest;
     for (auto known = table->getRoofs({}); !known.isEnd(); ++known) {
         if (!roof::hasType(*known, RoofItem::Memory) || (*known).memoryLevel != level) continue;

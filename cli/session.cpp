@@ -71,25 +71,22 @@ void checkComparable(const KindOfFile& first, const KindOfFile& second) {
             throw UsageError(fmt::format(
                 "{}: {} results can't be compared: the library doesn't match their rows", file, kind->name));
     if (first.kind && second.kind && first.kind != second.kind)
-        throw UsageError(
-            fmt::format("{} is a {} result and {} a {} one: only results of one kind are compared",
-                        first.file, first.kind->name, second.file, second.kind->name));
+        throw UsageError(fmt::format("{} is {} and {} {}: only results of one kind are compared", first.file,
+                                     first.kind->aResult, second.file, second.kind->aResult));
 }
 
-Session startSession(std::shared_ptr<embedded_host::Result> result, const std::string& file) {
-    const auto& kind = kindOf(*result);
-    if (!kind.createEngine)
-        throw embedded_host::FileError(
-            fmt::format("{}: {} results can't be charted by this version", file, kind.name));
+Session startSession(std::shared_ptr<embedded_host::Result> result) {
     Session session;
+    session.kind = &kindOf(*result);
     session.result = std::move(result);
     // The engine listens for the load, so it comes first.
-    session.viewModel = session.result->viewModel();
-    session.engine = kind.createEngine(session.viewModel);
+    auto [models, engine] = session.kind->open(*session.result);
+    session.models = std::move(models);
+    session.engine = std::move(engine);
     session.result->load(IViewModelBase::LoadType::Result);
-    session.rows = session.viewModel->getDataset(kind.rows);
-    if (kind.tree != DataType::None) session.tree = session.viewModel->getDataset(kind.tree);
-    session.kind = &kind;
+    const auto& viewModel = *session.models.all;
+    session.rows = viewModel.getDataset(session.kind->rows);
+    if (session.kind->tree != DataType::None) session.tree = viewModel.getDataset(session.kind->tree);
     return session;
 }
 
@@ -97,7 +94,7 @@ Session startSession(std::shared_ptr<embedded_host::Result> result, const std::s
 
 Session openSession(const ResultSource& source) {
     chooseLanguage(source);
-    return startSession(readResult(source.file, source), source.file);
+    return startSession(readResult(source.file, source));
 }
 
 std::pair<Session, Session> openSessions(const ResultSource& base, const std::string& newFile) {
@@ -112,7 +109,12 @@ std::pair<Session, Session> openSessions(const ResultSource& base, const std::st
         throw;
     }
     checkComparable({&kindOf(*first), base.file}, {&kindOf(*second), newFile});
-    return {startSession(std::move(first), base.file), startSession(std::move(second), newFile)};
+    return {startSession(std::move(first)), startSession(std::move(second))};
+}
+
+void needMeasured(const Session& session, const std::string& file, const char* thing) {
+    if (session.kind->isProjection)
+        throw std::runtime_error(fmt::format("{}: {} has no {}", file, session.kind->aResult, thing));
 }
 
 void waitForTasks() {

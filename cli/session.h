@@ -19,7 +19,7 @@ namespace cli {
 struct Session {
     const ResultTraits* kind = nullptr;  // never null in a session that was opened
     std::shared_ptr<embedded_host::Result> result;
-    std::shared_ptr<data_models2::ISurveyingViewModel> viewModel;
+    Models models;
     std::shared_ptr<data_models2::IRooflineInfo> engine;
     // What a chart is made of: every row with its self data, and the call tree, null where there is none.
     data_models2::sptr_t<data_models2::IDataset> rows;
@@ -31,6 +31,9 @@ Session openSession(const ResultSource& source);
 // The same for two results of one kind that can be compared, with one machine and language for both; throws
 // UsageError for others.
 std::pair<Session, Session> openSessions(const ResultSource& base, const std::string& newFile);
+
+// Throws std::runtime_error where the result is a projection, which has no such thing ("summary").
+void needMeasured(const Session& session, const std::string& file, const char* thing);
 
 // Until the library knows what dominates the program. Throws std::runtime_error when that takes too long.
 void waitForTasks();

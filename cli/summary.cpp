@@ -105,7 +105,7 @@ std::string heading(const Session& session, const Value& summary) {
     std::string dominating;
     for (const auto& metric : json::items(summary, "metrics"))
         if (json::flag(metric, "isDominatingOps")) dominating = json::text(metric, "caption");
-    const auto program = session.viewModel->getProgramInfo();
+    const auto program = session.models.all->getProgramInfo();
     const auto machine = session.result->machineName();
     auto line = fmt::format("{}: {} s", program.name.empty() ? "program" : cleanText(program.name),
                             shortNumber(program.elapsedTime));
@@ -117,7 +117,7 @@ std::string heading(const Session& session, const Value& summary) {
 const char* causeOf(const Session& session) {
     if (session.result->machineName().empty())
         return "this result knows no machine: give one with --machine FILE";
-    if (!(session.viewModel->getProgramInfo().elapsedTime > 0.0)) return "the program has no elapsed time";
+    if (!(session.models.all->getProgramInfo().elapsedTime > 0.0)) return "the program has no elapsed time";
     return "the library found no roofs for the program's threads";
 }
 
@@ -125,6 +125,7 @@ const char* causeOf(const Session& session) {
 
 int runSummary(const SummaryRequest& request, Console& console) {
     const auto session = openSession(request.source);
+    needMeasured(session, request.source.file, "summary");
     const auto text = loadSummary(session);
     if (!text || text->empty()) {
         console.err << "no summary: "

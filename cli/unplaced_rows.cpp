@@ -17,17 +17,6 @@ using Row = sptr_t<RowNode>;
 // Rows that the chart passes over silently: no loops or functions of their own.
 constexpr std::uint64_t kNoChartRow = 0x2 | 0x4 | row_type::kHidden;
 
-struct OperationFields {
-    std::string_view option;
-    FieldId self, total;
-    const char* missing;
-};
-constexpr std::array<OperationFields, 3> kOperations{{
-    {"f", FieldId::SelfFloatOps, FieldId::TotalFloatOps, "no float operations"},
-    {"i", FieldId::SelfIntOps, FieldId::TotalIntOps, "no integer operations"},
-    {"b", FieldId::SelfMixedOps, FieldId::TotalMixedOps, "no operations"},
-}};
-
 constexpr auto kMissingTraffic = "no traffic", kMissingTime = "no time",
                kMissingOther = "other values missing";
 
@@ -40,11 +29,12 @@ std::set<std::string> optionsOf(const std::string& configuration) {
     return options;
 }
 
-const OperationFields& operationFields(const std::set<std::string>& options) {
-    const auto found = std::find_if(kOperations.begin(), kOperations.end(), [&](const auto& each) {
+const OperationFields& operationFields(const ResultTraits& kind, const std::set<std::string>& options) {
+    const auto& all = kind.operations;
+    const auto found = std::find_if(all.begin(), all.end(), [&](const OperationFields& each) {
         return options.count(std::string(each.option)) > 0;
     });
-    return found == kOperations.end() ? kOperations.front() : *found;
+    return found == all.end() ? all.front() : *found;
 }
 
 class Cells {
@@ -121,8 +111,8 @@ void forEachChartRow(const Dataset& dataset, const RowVisit& visit) {
 
 std::string missingOf(const Row& row, const Dataset& dataset, const ResultTraits& kind, bool isTotal) {
     std::vector<FieldId> operations;
-    for (const auto& each : kOperations) operations.push_back(isTotal ? each.total : each.self);
-    if (!Cells(dataset, operations).anyAboveZero(row)) return operationFields({"b"}).missing;
+    for (const auto& each : kind.operations) operations.push_back(isTotal ? each.total : each.self);
+    if (!Cells(dataset, operations).anyAboveZero(row)) return operationFields(kind, {"b"}).missing;
     if (!Cells(dataset, trafficFields(kind, {}, isTotal)).anyAboveZero(row)) return kMissingTraffic;
     if (!Cells(dataset, {timeField(kind, isTotal)}).anyAboveZero(row)) return kMissingTime;
     return kMissingOther;
@@ -137,7 +127,7 @@ RowCount countRows(const Session& session, const ChartDocument& document, const 
     const bool isTotal = tree && !options.count("1");
     // Total data lives in the tree, which holds the same rows.
     const auto& dataset = isTotal ? tree : rows;
-    const auto& operations = operationFields(options);
+    const auto& operations = operationFields(kind, options);
     const Cells ops(dataset, {isTotal ? operations.total : operations.self});
     const Cells traffic(dataset, trafficFields(kind, options, isTotal));
     const Cells time(dataset, {timeField(kind, isTotal)});
@@ -165,15 +155,15 @@ RowCount countRows(const Session& session, const ChartDocument& document, const 
     return count;
 }
 
-std::string operationsOf(const std::string& configuration) {
-    return std::string(operationFields(optionsOf(configuration)).option);
+const OperationFields& operationsOf(const ResultTraits& kind, const std::string& configuration) {
+    return operationFields(kind, optionsOf(configuration));
 }
 
-bool hasOperations(const Dataset& rows, const std::string& operations) {
-    if (!rows) return false;
-    const Cells ops(rows, {operationFields({operations}).self});
+bool hasOperations(const Session& session, const std::string& operations) {
+    if (!session.rows) return false;
+    const Cells ops(session.rows, {operationFields(*session.kind, {operations}).self});
     bool found = false;
-    forEachChartRow(rows, [&](const Row& row) { found = found || ops.anyAboveZero(row); });
+    forEachChartRow(session.rows, [&](const Row& row) { found = found || ops.anyAboveZero(row); });
     return found;
 }
 

@@ -38,9 +38,9 @@ std::string missingOf(const data_models2::sptr_t<data_models2::RowNode>& row,
                       const data_models2::sptr_t<data_models2::IDataset>& dataset, const ResultTraits& kind,
                       bool isTotal);
 
-// The option value of operations ("f", "i", "b") of a configuration.
-std::string operationsOf(const std::string& configuration);
+// The operations ("f", "i", "b") of a configuration, float ones when it names none.
+const OperationFields& operationsOf(const ResultTraits& kind, const std::string& configuration);
 // Whether any row has operations of that kind.
-bool hasOperations(const data_models2::sptr_t<data_models2::IDataset>& rows, const std::string& operations);
+bool hasOperations(const Session& session, const std::string& operations);
 
 }  // namespace cli

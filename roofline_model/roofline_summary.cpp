@@ -86,18 +86,21 @@ rabbit::object makeRoofEntry(const RoofItem& roof, double reached, TargetDeviceT
     return entry;
 }
 
-// What a row's time is and where it ran, by the kind of its dataset.
+// What a row's time and operations are and where it ran, by the kind of its dataset.
 struct RowSource {
     DataType type;
     FieldId elapsedTime;
     TargetDeviceType device;
+    FieldId floatOps = FieldId::SelfFloatOps;
+    FieldId intOps = FieldId::SelfIntOps;
 };
 
 constexpr auto kRowSources = std::to_array<RowSource>({
     {DataType::Cpu, FieldId::SelfElapsedTime, TargetDeviceType::Cpu},
     {DataType::CpuTopDown, FieldId::SelfElapsedTime, TargetDeviceType::Cpu},
     {DataType::Gpu, FieldId::GpuElapsedTime, TargetDeviceType::Gpu},
-    {DataType::Offload, FieldId::OffloadElapsedTime, TargetDeviceType::Gpu},
+    {DataType::Offload, FieldId::OffloadElapsedTime, TargetDeviceType::Gpu, FieldId::TotalFloatOps,
+     FieldId::TotalIntOps},
 });
 
 const RowSource& sourceOf(DataType type) {
@@ -114,8 +117,8 @@ std::vector<SummaryItem> makeRowItems(const CRowRooflineEngine& engine, const sp
     if (!(elapsedTime > 0.0)) return {};
 
     const OperationsType dominating = engine.getPoint().operationsType;
-    const double floatOps = read(FieldId::SelfFloatOps);
-    const double intOps = read(FieldId::SelfIntOps);
+    const double floatOps = read(source.floatOps);
+    const double intOps = read(source.intOps);
     std::vector<SummaryItem> items;
     const RoofItem memory = engine.getLimitingRoof(false);
     const auto points = engine.getMemLevelPoints();

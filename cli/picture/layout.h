@@ -59,7 +59,8 @@ struct Picture {
     std::vector<Mark> marks;    // large ones first, so that none hides another
     bool isCrowded = false;     // marks are small and faint
     std::vector<Mark> totals;
-    std::vector<Arrow> arrows;  // the most important last
+    std::vector<Arrow> arrows;   // the most important last
+    bool hasThinArrows = false;  // they lead to marks
     std::vector<Label> labels;
     std::vector<LegendRow> legend;
     std::vector<std::string> notes;    // lines under the chart

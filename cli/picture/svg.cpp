@@ -40,6 +40,7 @@ text { fill: #2b3440 }
 .many .mark { fill-opacity: 0.35; stroke-width: 0.5 }
 .hollow { fill: #ffffff; fill-opacity: 0.4; stroke-width: 1.8 }
 .arrow { stroke-width: 1.6; stroke-linejoin: round }
+.thin .arrow { stroke-width: 1; opacity: 0.75 }
 .many .arrow { stroke-width: 0.8; opacity: 0.55 }
 .arrow:hover { stroke-width: 3 }
 .total-mark { fill: #20262d; stroke: #ffffff; stroke-width: 1.5 }
@@ -147,7 +148,9 @@ private:
 
     void arrows(const Picture& picture) {
         if (picture.arrows.empty()) return;
-        add("<g{}>", picture.isCrowded ? R"( class="many")" : "");
+        add("<g{}>", picture.isCrowded       ? R"( class="many")"
+                     : picture.hasThinArrows ? R"( class="thin")"
+                                             : "");
         for (const auto& each : picture.arrows) arrow(each);
         add("</g>");
     }

@@ -99,6 +99,10 @@ TargetRoofs roofsOf(const Machine& target) {
     return result;
 }
 
+// A row that takes exactly its bound would be rounded above its roof now and then, and the next roof would be
+// told to limit it.
+constexpr double kBelowTheRoof = 1.0 + 1e-12;
+
 struct Bound {
     std::string_view name;
     double seconds = 0.0;
@@ -148,7 +152,7 @@ private:
         const Bound launch{"Launch_Tax", m_target.taxes.launch * calls};
         const Bound transfer{"Transfer_Tax", m_target.taxes.transfer * calls};
         projected.amounts.emplace_back(FieldId::OffloadElapsedTime,
-                                       longest.seconds + launch.seconds + transfer.seconds);
+                                       longest.seconds * kBelowTheRoof + launch.seconds + transfer.seconds);
         projected.boundedBy = std::max({longest, launch, transfer}, isShorter).name;
         const bool isFinite = std::all_of(projected.amounts.begin(), projected.amounts.end(),
                                           [](const auto& amount) { return std::isfinite(amount.second); });

@@ -5,6 +5,7 @@
 
 #include "tests/roofline_model/test_host.h"
 
+#include <boost/property_tree/ptree.hpp>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -91,12 +92,60 @@ std::shared_ptr<ViewModel> hostileViewModel() {
     return viewModel;
 }
 
-// Every answer has to be an empty text or to parse; an exception that leaves fails the property.
+// The same hostile answers as those of a program on a target.
+class Projection final : public IPerfProjectionViewModel {
+public:
+    Projection(std::shared_ptr<ViewModel> host, std::string memory)
+        : m_host(std::move(host)), m_memory(std::move(memory)) {}
+    sptr_t<IDataset> getDataset(DataType) const override { return m_host->getDataset(DataType::Cpu); }
+    std::shared_ptr<IRoofManager> getRoofManager(DataType type) const override {
+        return m_host->getRoofManager(type);
+    }
+    ProgramInfo getProgramInfo() const override { return m_host->getProgramInfo(); }
+    std::string getResultDirectory() const override { return {}; }
+    LoadSignal& onResultLoaded() override { return m_host->loaded; }
+    std::string getTargetMemoryName() const override {
+        return m_host->throws ? throw std::runtime_error("no answer") : m_memory;
+    }
+
+private:
+    const std::shared_ptr<ViewModel> m_host;
+    const std::string m_memory;
+};
+
+std::shared_ptr<IRooflineInfo> hostileEngine(const std::shared_ptr<ViewModel>& viewModel) {
+    const int kind = pick(0, 3);
+    if (kind == 0) return createRooflineInfo(viewModel);
+    if (kind == 1) return createGpuRooflineInfo(viewModel);
+    const std::string memory = *rc::gen::element("HBM", "DRAM", "L1", "", "\xFF\"");
+    return createOffloadRooflineInfo(std::make_shared<Projection>(viewModel, memory));
+}
+
+// An answer is an empty text or parses; an exception that leaves fails the property.
+void check(const std::string& answer) {
+    if (!answer.empty()) RC_ASSERT(faultOf(answer) == std::string());
+}
+
+// Every operation of a region, whatever its dataset is.
+void sweepRegion(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset,
+                 const std::shared_ptr<IRoofManager>& roofs) {
+    const auto region = createOffloadRowRooflineInfo(row, dataset, roofs, pick(0, 2) == 0);
+    if (!region) return;
+    check(region->getRooflineData());
+    const std::vector<variant_bag_t> bags{region->getRooflineVariantBag(),
+                                          region->getMemoryMetricsVariantBag(),
+                                          region->getBotteleneckVariantBag(std::vector<std::string>{"\xFF"})};
+    for (const auto& bag : bags) RC_ASSERT(faultOf(saveBag(bag)) == std::string());
+    for (const auto type : {RooflineMemoryValuesType::Traffic, RooflineMemoryValuesType::Time})
+        RC_ASSERT(region->getMemoryValues(type).size() <= region->getMemLevelPoints().size());
+    const bool isKnown = region->getPoint().operationsType != OperationsType::Undefined;
+    RC_ASSERT(isKnown || !region->isValid());
+    for (const bool total : {true, false}) region->getLimitingRoof(total);
+    RC_ASSERT(region->getMemoryRoofs().empty() || roofs);
+}
+
 void sweep(IRooflineInfo& engine, const std::vector<sptr_t<IDataset>>& datasets,
            const std::string& configuration) {
-    const auto check = [](const std::string& answer) {
-        if (!answer.empty()) RC_ASSERT(faultOf(answer) == std::string());
-    };
     check(engine.getRooflineOptions());
     check(engine.getThreadsInfo());
     for (const int number : {1, 2, 3, 77, -1}) {
@@ -138,7 +187,7 @@ TEST(HostileData, IsAnsweredWithTextsThatParse) {
                                                   std::string(10'000, 'f')};
     EXPECT_TRUE(rc::check([&] {
         const auto viewModel = hostileViewModel();
-        const auto engine = pick(0, 2) ? createRooflineInfo(viewModel) : createGpuRooflineInfo(viewModel);
+        const auto engine = hostileEngine(viewModel);
         const sptr_t<IDataset> foreign(new Dataset(hostileTable()));
         const std::vector<sptr_t<IDataset>> datasets{nullptr, viewModel->datasets[DataType::Cpu],
                                                      viewModel->datasets[DataType::CpuTopDown], foreign};
@@ -147,6 +196,17 @@ TEST(HostileData, IsAnsweredWithTextsThatParse) {
         viewModel->throws = !viewModel->throws;
         viewModel->load();
         sweep(*engine, datasets, configuration);
+    }));
+}
+
+TEST(HostileData, OfARegionIsAnsweredWithTextsThatParse) {
+    const Assertions quiet;
+    EXPECT_TRUE(rc::check([] {
+        const auto viewModel = hostileViewModel();
+        const auto dataset = viewModel->datasets[DataType::Cpu];
+        for (const auto& row : dataset ? rowsOf(dataset) : std::vector<sptr_t<RowNode>>{nullptr})
+            sweepRegion(row, dataset, viewModel->roofs);
+        sweepRegion(nullptr, dataset, viewModel->roofs);
     }));
 }
 

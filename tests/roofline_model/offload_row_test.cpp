@@ -113,6 +113,10 @@ TEST(OffloadRow, ItsWidthsChooseTheRoofsAndAWholePointTheBound) {
         valuesOf(regionOf(floats + " OffloadInt64Ops=3 OffloadFloat32Ops=47", kRoofs)->getRooflineData());
     EXPECT_EQ(mix.at("opsAndBandwidth.instructionMix.0.instructions.0.dataType.title"), "\"Integer 64\"");
     EXPECT_EQ(mix.at("opsAndBandwidth.instructionMix.0.instructions.1.operationCount.value"), "47");
+    const auto summary =
+        valuesOf(regionOf(floats + memory + " OffloadElapsedTime=0.5", kRoofs)->getRooflineData());
+    EXPECT_EQ(summary.at("opsAndBandwidth.metrics.0.children.1.value"), "2") << "intensity over HBM";
+    EXPECT_EQ(summary.at("opsAndBandwidth.metrics.1.value"), "100") << "its operations in its time";
     const test::Assertions quiet;
     const auto nowhere = createOffloadRowRooflineInfo(nullptr, nullptr, nullptr, false);
     EXPECT_FALSE(nowhere->isValid());

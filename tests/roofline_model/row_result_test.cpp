@@ -183,6 +183,7 @@ TEST(RowResult, NumbersThatAreNotFiniteOrFarOutStayWithinBounds) {
     for (const auto& [type, operations, time, rate] : rates) {
         cells[FieldId::SelfFloatOps] = operations;
         cells[FieldId::SelfElapsedTime] = time;
+        if (type == DataType::Offload) cells[FieldId::TotalFloatOps] = operations;
         auto values = valuesOf(makeEngine({.cells = cells, .type = type})->getRooflineData());
         EXPECT_EQ(values["opsAndBandwidth.metrics.0.value"], rate) << static_cast<int>(type) << " " << time;
     }
