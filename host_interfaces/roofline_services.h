@@ -99,7 +99,7 @@ public:
     virtual int getDominatingOperationType(sptr_t<RowNode> row) const = 0;
     virtual int getDominatingFloatType(sptr_t<RowNode> row) const = 0;
     virtual int getDominatingIntType(sptr_t<RowNode> row) const = 0;
-    // The frame of a report, a JSON object.
+    // The template of a report, a JSON object: everything that it tells but the loops.
     virtual std::string getReportTemplate(std::shared_ptr<IResultController>) const { return {}; }
     // The user's own value of a roof, bytes or operations per second, for a thread set-up.
     virtual bool setCustomRoofValues(RoofId, unsigned long long /*value*/, const RoofThreadingFeatures&) {

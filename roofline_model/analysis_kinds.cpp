@@ -187,6 +187,7 @@ const AnalysisKind& cpuAnalysis() {
         .loadSteps = {LoadStep::DetectWhenNew, LoadStep::RebuildMetrics, LoadStep::RebuildOptions},
         .features = cpu::features,
         .detailedRow = cpu::detailedRow,
+        .reportMembers = {"allRoofs", "selectedRoofs", "loopsAdditionalInfo"},
     };
     return kind;
 }
@@ -223,6 +224,7 @@ const AnalysisKind& gpuAnalysis() {
         .features = [](const variant_bag_t& request,
                        const ThreadsInfo&) { return roofline::parseSubDevices(request); },
         .detailedRow = gpu::detailedRow,
+        .reportMembers = {"roofs", "selectedRoofs", "loopsAdditionalInfo"},
     };
     return kind;
 }
@@ -259,6 +261,7 @@ const AnalysisKind& offloadAnalysis() {
         .features = [](const variant_bag_t& request,
                        const ThreadsInfo&) { return roofline::parseSubDevices(request); },
         .detailedRow = offload::detailedRow,
+        .reportMembers = {"roofs"},
     };
     return kind;
 }

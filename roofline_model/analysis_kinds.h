@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace data_models2 {
@@ -85,6 +86,9 @@ struct AnalysisKind {
     // The set-up that a request for details chooses, and a row's details.
     RoofThreadingFeatures (*features)(const variant_bag_t& request, const ThreadsInfo& info);
     DetailedRow (*detailedRow)(const RowRequest& request);
+
+    // Of the members of a report's template those that not every kind has.
+    std::vector<std::string_view> reportMembers;
 };
 
 const AnalysisKind& cpuAnalysis();

@@ -13,26 +13,9 @@ using roofline::guarded;
 
 namespace {
 
-using roofline::helpers::getRooflineTotal;
-using Totals = std::vector<roofline::helpers::SRooflineTotal>;
-
 OperationsType operationsOf(const RooflineConfiguration& configuration) {
     if (configuration.hasType("b")) return OperationsType::Mixed;
     return configuration.hasType("i") ? OperationsType::Int : OperationsType::Float;
-}
-
-Totals makeTotals(const AnalysisKind& kind, const ResultState& state, const sptr_t<IDataset>& dataset,
-                  const RooflineConfigurations& configurations, int memoryLevels, double elapsedTime) {
-    if (configurations.empty()) return {};
-    const auto levels = kind.totalLevels(configurations, memoryLevels);
-    const OperationsType operations = operationsOf(*configurations.begin());
-    if (!state.metrics) return {getRooflineTotal(dataset, operations, levels.front(), kind.recipe(state))};
-    Totals totals;
-    for (const auto& level : levels) {
-        auto total = getRooflineTotal(*state.metrics, operations, level, elapsedTime);
-        if (totals.size() < kind.certainTotals || total.elapsedTime > 0.0) totals.push_back(std::move(total));
-    }
-    return totals;
 }
 
 }  // namespace
@@ -62,6 +45,24 @@ sptr_t<IDataset> EngineCore::chooseDataset(const AnalysisKind& kind, const IView
     return configurations.begin()->hasType("1") || !second ? first : second;
 }
 
+EngineCore::Totals EngineCore::makeTotals(const sptr_t<IDataset>& dataset,
+                                          const RooflineConfigurations& configurations,
+                                          int memoryLevels) const {
+    using roofline::helpers::getRooflineTotal;
+    if (configurations.empty()) return {};
+    const auto levels = m_kind.totalLevels(configurations, memoryLevels);
+    const OperationsType operations = operationsOf(*configurations.begin());
+    if (!metrics()) return {getRooflineTotal(dataset, operations, levels.front(), m_kind.recipe(m_state))};
+    const double elapsedTime = m_viewModel->getProgramInfo().elapsedTime;
+    Totals totals;
+    for (const auto& level : levels) {
+        auto total = getRooflineTotal(*metrics(), operations, level, elapsedTime);
+        if (totals.size() < m_kind.certainTotals || total.elapsedTime > 0.0)
+            totals.push_back(std::move(total));
+    }
+    return totals;
+}
+
 std::string EngineCore::getRooflineData(const sptr_t<IDataset>& first, const sptr_t<IDataset>& second,
                                         const std::string& configuration, int memoryLevels) {
     return guarded(std::string(), [&]() -> std::string {
@@ -74,8 +75,7 @@ std::string EngineCore::getRooflineData(const sptr_t<IDataset>& first, const spt
         const auto totalData = m_kind.totals == DataType::None ? nullptr : second;
         const auto chosen = getRooflineDatasetForConfiguration(configurations, first, totalData);
         initMemoryMetrics();
-        const Totals totals = makeTotals(m_kind, m_state, first, configurations, memoryLevels,
-                                         m_viewModel->getProgramInfo().elapsedTime);
+        const Totals totals = makeTotals(first, configurations, memoryLevels);
         calcViewRect(first, totalData);
         return makeRooflineDocument(
             {chosen, options(), configurations, totals, m_kind.tables(), selfData, m_kind.rowTime},
@@ -123,25 +123,34 @@ std::string EngineCore::getRoofs(const std::string& configuration, const RoofThr
 
 std::string EngineCore::getAllRoofs(const std::string& configuration, const ThreadsInfo& info) const {
     return guarded(std::string(), [&] {
-        const auto fill = [&](rabbit::array& array, const RoofThreadingFeatures& features) {
-            fillRoofs(array, configuration, features, Perspective::Program);
-        };
-        return roofline::getAllRoofs(info, fill);
+        return rabbit::writeArray([&](rabbit::array& root) { fillAllRoofs(root, configuration, info); });
+    });
+}
+
+void EngineCore::fillAllRoofs(rabbit::array& array, const std::string& configuration,
+                              const ThreadsInfo& info) const {
+    roofline::fillAllRoofs(array, info, [&](rabbit::array& roofs, const RoofThreadingFeatures& features) {
+        fillRoofs(roofs, configuration, features, Perspective::Program);
     });
 }
 
 std::string EngineCore::getSelectedRoofs(const std::string& configuration, Perspective perspective,
                                          const roofline::RoofIds& dominating, int memoryLevels) const {
-    return guarded(std::string(), [&]() -> std::string {
-        roofline::RoofIds selected;
-        m_kind.selectMemoryRoofs(selected, configuration, perspective, m_state, memoryLevels);
-        selected.insert(dominating.begin(), dominating.end());
-        const auto roofManager = getRoofManager();
-        if (!roofManager) return {};
-        const auto roofs = roofManager->getRoofs(std::string());
-        return roofline::createSelectedRoofsJson(selected, m_kind.hiddenRoofs(roofs, perspective, m_state),
-                                                 roofs);
+    return guarded(std::string(), [&] {
+        const auto choice = selectRoofs(configuration, perspective, dominating, memoryLevels);
+        return roofline::createSelectedRoofsJson(choice.selected, choice.hidden, choice.roofs);
     });
+}
+
+roofline::SelectedRoofs EngineCore::selectRoofs(const std::string& configuration, Perspective perspective,
+                                                const roofline::RoofIds& dominating, int memoryLevels) const {
+    roofline::RoofIds selected;
+    m_kind.selectMemoryRoofs(selected, configuration, perspective, m_state, memoryLevels);
+    selected.insert(dominating.begin(), dominating.end());
+    const auto roofManager = getRoofManager();
+    if (!roofManager) return {};
+    const auto roofs = roofManager->getRoofs(std::string());
+    return {std::move(selected), m_kind.hiddenRoofs(roofs, perspective, m_state), roofs};
 }
 
 std::string EngineCore::customRoofsKey(const RoofThreadingFeatures& features) const {

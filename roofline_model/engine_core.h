@@ -5,6 +5,7 @@
 
 #include "roofline_model/analysis_kinds.h"
 #include "roofline_model/unified/configurations.h"
+#include "roofline_model/unified/roofline_totals.h"
 #include "roofline_model/unified/view_rect.h"
 
 #include <memory>
@@ -20,6 +21,7 @@ public:
     using Options = std::shared_ptr<const CRooflineOptions>;
     using Metrics = std::shared_ptr<const CMemoryLevelMetrics>;
     using Perspective = IRooflineInfo::Perspective;
+    using Totals = std::vector<roofline::helpers::SRooflineTotal>;
 
     explicit EngineCore(const AnalysisKind& kind) : m_kind(kind) {}
 
@@ -54,6 +56,10 @@ public:
     // The chart document. A kind without total data takes no second dataset.
     std::string getRooflineData(const sptr_t<IDataset>& first, const sptr_t<IDataset>& second,
                                 const std::string& configuration, int memoryLevels);
+    // The program's points on a chart, those of `dataset` without metrics; none without configurations. Needs
+    // a view model, and isn't guarded.
+    Totals makeTotals(const sptr_t<IDataset>& dataset, const RooflineConfigurations& configurations,
+                      int memoryLevels) const;
     std::string getRooflineOptions() const;
     std::string getRooflineConfigurationStr(const RooflineTypes& types) const;
     bool clearHighlighting(DataType type) const;
@@ -63,9 +69,16 @@ public:
     std::string getRoofs(const std::string& configuration, const RoofThreadingFeatures& features,
                          Perspective perspective) const;
     std::string getAllRoofs(const std::string& configuration, const ThreadsInfo& info) const;
+    // Into an array; not guarded.
+    void fillRoofs(rabbit::array& array, const std::string& configuration,
+                   const RoofThreadingFeatures& features, Perspective perspective) const;
+    void fillAllRoofs(rabbit::array& array, const std::string& configuration, const ThreadsInfo& info) const;
     // The memory roofs that the kind chooses, and the roofs that dominate.
     std::string getSelectedRoofs(const std::string& configuration, Perspective perspective,
                                  const roofline::RoofIds& dominating, int memoryLevels) const;
+    // The same before it becomes a text; not guarded.
+    roofline::SelectedRoofs selectRoofs(const std::string& configuration, Perspective perspective,
+                                        const roofline::RoofIds& dominating, int memoryLevels) const;
     // Own values hold under every type of operations and perspective.
     bool setCustomRoofValues(RoofId roof, unsigned long long value,
                              const RoofThreadingFeatures& features) const;
@@ -73,8 +86,6 @@ public:
 
 private:
     void calcViewRect(const sptr_t<IDataset>& first, const sptr_t<IDataset>& second);
-    void fillRoofs(rabbit::array& array, const std::string& configuration,
-                   const RoofThreadingFeatures& features, Perspective perspective) const;
     std::string customRoofsKey(const RoofThreadingFeatures& features) const;
 
     const AnalysisKind& m_kind;

@@ -72,6 +72,9 @@ public:
         return DominatingTypeHelper::kUnknownFloatType;
     }
     int getDominatingIntType(sptr_t<RowNode>) const override { return DominatingTypeHelper::kUnknownIntType; }
+    std::string getReportTemplate(std::shared_ptr<IResultController>) const override {
+        return m_program.getReportTemplate();
+    }
     bool setCustomRoofValues(RoofId roof, unsigned long long value,
                              const RoofThreadingFeatures& features) override {
         return m_program.core().setCustomRoofValues(roof, value, features);

@@ -2,6 +2,7 @@
 
 #include "roofline_model/guard.h"
 #include "roofline_model/loop_details.h"
+#include "roofline_model/report_template.h"
 #include "roofline_model/threading.h"
 
 namespace data_models2 {
@@ -73,6 +74,14 @@ std::string MeasuredProgram::getLoopAdditionalInfo(const std::string& request,
                                                    const std::string& configuration) const {
     return guarded(std::string(), [&] {
         return LoopDetails(m_core, m_viewModel).getLoopAdditionalInfo(request, configuration);
+    });
+}
+
+std::string MeasuredProgram::getReportTemplate() const {
+    return guarded(std::string(), [&] {
+        const auto dominating = m_dominance->requestDominatingRoofs(Perspective::Program);
+        return makeReportTemplate(
+            {m_core, memoryLevels(), roofline::getThreadsInfo(m_viewModel), dominating});
     });
 }
 

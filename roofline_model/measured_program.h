@@ -44,6 +44,7 @@ public:
     std::string getAllRoofs(const std::string& configuration) const;
     std::string getSelectedRoofs(const std::string& configuration, Perspective perspective) const;
     std::string getLoopAdditionalInfo(const std::string& request, const std::string& configuration) const;
+    std::string getReportTemplate() const;
     std::string getComparisonData(const ComparisonData& data, const std::string& ids,
                                   const std::string& configuration) const;
 

@@ -5,6 +5,7 @@
 #include "roofline_model/logging.h"
 #include "roofline_model/loop_details.h"
 #include "roofline_model/offload_operation_map.h"
+#include "roofline_model/report_template.h"
 
 namespace data_models2 {
 
@@ -60,6 +61,12 @@ std::string COffloadRooflineEngine::getLoopAdditionalInfo(const std::string& req
     return guarded(std::string(), [&] {
         const LoopDetails details(m_core, {m_viewModel, {}, kMemoryLevels});
         return details.getLoopAdditionalInfo(request, configuration);
+    });
+}
+
+std::string COffloadRooflineEngine::getReportTemplate(std::shared_ptr<IResultController>) const {
+    return guarded(std::string(), [&] {
+        return makeReportTemplate({m_core, kMemoryLevels, {}, m_dominatingRoofs});
     });
 }
 

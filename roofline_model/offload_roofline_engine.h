@@ -68,6 +68,7 @@ public:
         return DominatingTypeHelper::kUnknownFloatType;
     }
     int getDominatingIntType(sptr_t<RowNode>) const override { return DominatingTypeHelper::kUnknownIntType; }
+    std::string getReportTemplate(std::shared_ptr<IResultController>) const override;
     bool setCustomRoofValues(RoofId roof, unsigned long long value,
                              const RoofThreadingFeatures& features) override {
         return m_core.setCustomRoofValues(roof, value, features);

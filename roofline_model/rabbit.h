@@ -38,6 +38,7 @@ inline Value makeValue(std::int32_t number, Allocator&) { return Value(number); 
 inline Value makeValue(std::uint32_t number, Allocator&) { return Value(number); }
 inline Value makeValue(std::int64_t number, Allocator&) { return Value(number); }
 inline Value makeValue(std::uint64_t number, Allocator&) { return Value(number); }
+inline Value makeValue(Value&& value, Allocator&) { return std::move(value); }  // of the same document
 Value makeValue(object&& members, Allocator& allocator);
 Value makeValue(array&& items, Allocator& allocator);
 

@@ -51,17 +51,15 @@ void fillRoofs(rabbit::array& array, generic_iterator_t<RoofItem> roofs, TargetD
     for (; !roofs.isEnd(); ++roofs) array.push(toJSON(*roofs, device, array.allocator()));
 }
 
-std::string getAllRoofs(const ThreadsInfo& info, const FillRoofs& fill) {
-    return rabbit::writeArray([&](rabbit::array& root) {
-        if (info.processorPackageCount < 1) return;
-        const int perPackage = info.physicalCoreCount / info.processorPackageCount;
-        for (int packages = info.processorPackageCount; packages >= 1; --packages) {
-            if (packages != 1 && packages != info.processorPackageCount) continue;
-            for (const auto& [strategy, name] : kStrategies)
-                for (int threads = 1; threads <= perPackage * packages; threads += threads == 1 ? 1 : 2)
-                    root.push(toJSON({threads, strategy, packages}, name, fill, root.allocator()));
-        }
-    });
+void fillAllRoofs(rabbit::array& array, const ThreadsInfo& info, const FillRoofs& fill) {
+    if (info.processorPackageCount < 1) return;
+    const int perPackage = info.physicalCoreCount / info.processorPackageCount;
+    for (int packages = info.processorPackageCount; packages >= 1; --packages) {
+        if (packages != 1 && packages != info.processorPackageCount) continue;
+        for (const auto& [strategy, name] : kStrategies)
+            for (int threads = 1; threads <= perPackage * packages; threads += threads == 1 ? 1 : 2)
+                array.push(toJSON({threads, strategy, packages}, name, fill, array.allocator()));
+    }
 }
 
 }  // namespace data_models2::roofline

@@ -7,16 +7,15 @@
 #include "roofline_model/rabbit.h"
 
 #include <functional>
-#include <string>
 
 namespace data_models2::roofline {
 
 // One object a roof, in the table's order.
 void fillRoofs(rabbit::array& array, generic_iterator_t<RoofItem> roofs, TargetDeviceType device);
 
-// An array of the roofs of each thread set-up that a chart can offer: all packages and one, both strategies,
-// threads 1, 2, 4, 6 and so on. `fill` writes the roofs of one set-up.
+// The roofs of each thread set-up that a chart can offer: all packages and one, both strategies, threads 1,
+// 2, 4, 6 and so on. `fill` writes the roofs of one set-up.
 using FillRoofs = std::function<void(rabbit::array&, const RoofThreadingFeatures&)>;
-std::string getAllRoofs(const ThreadsInfo& info, const FillRoofs& fill);
+void fillAllRoofs(rabbit::array& array, const ThreadsInfo& info, const FillRoofs& fill);
 
 }  // namespace data_models2::roofline

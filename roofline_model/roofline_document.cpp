@@ -154,4 +154,13 @@ void fillProgramTotal(rabbit::object& object, const RooflineAttrsTotal& total,
     addProgramTotalRooflineAttributes(object, attributes, configuration, total);
 }
 
+void fillProgramTotal(rabbit::object& object, const RooflineAttrsTotal& total,
+                      const std::shared_ptr<const CRooflineOptions>& options,
+                      const RooflineTypes& configurationTypes, const RooflineAttributes& attributes) {
+    RooflineConfigurations configurations;
+    configurations.init(options->getRooflineConfigurationStr(configurationTypes), options);
+    if (!configurations.empty())
+        fillProgramTotal(object, total, options, *configurations.begin(), attributes);
+}
+
 }  // namespace data_models2

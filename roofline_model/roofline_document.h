@@ -39,5 +39,9 @@ bool fillRooflineData(rabbit::object& object, const sptr_t<IDataset>& dataset,
 void fillProgramTotal(rabbit::object& object, const RooflineAttrsTotal& total,
                       const std::shared_ptr<const CRooflineOptions>& options,
                       const RooflineConfiguration& configuration, const RooflineAttributes& attributes);
+// The same for the configuration that a choice of option values stands for.
+void fillProgramTotal(rabbit::object& object, const RooflineAttrsTotal& total,
+                      const std::shared_ptr<const CRooflineOptions>& options,
+                      const RooflineTypes& configurationTypes, const RooflineAttributes& attributes);
 
 }  // namespace data_models2

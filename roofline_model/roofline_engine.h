@@ -70,6 +70,9 @@ public:
     int getDominatingOperationType(sptr_t<RowNode> row) const override;
     int getDominatingFloatType(sptr_t<RowNode> row) const override;
     int getDominatingIntType(sptr_t<RowNode> row) const override;
+    std::string getReportTemplate(std::shared_ptr<IResultController>) const override {
+        return m_program.getReportTemplate();
+    }
     bool setCustomRoofValues(RoofId roof, unsigned long long value,
                              const RoofThreadingFeatures& features) override {
         return m_program.core().setCustomRoofValues(roof, value, features);

@@ -15,13 +15,18 @@ void fillRoofsState(rabbit::object& state, const RoofIds& selected, const RoofId
     }
 }
 
+void addSelectedRoofs(rabbit::object& object, const SelectedRoofs& roofs) {
+    if (roofs.roofs.isEnd()) return;
+    rabbit::object state(object.allocator());
+    fillRoofsState(state, roofs.selected, roofs.hidden, roofs.roofs);
+    object.set("roofsState", std::move(state));
+}
+
 std::string createSelectedRoofsJson(const RoofIds& selected, const RoofIds& hidden,
                                     generic_iterator_t<RoofItem> roofs) {
     if (roofs.isEnd()) return {};
     return rabbit::writeObject([&](rabbit::object& root) {
-        rabbit::object state(root.allocator());
-        fillRoofsState(state, selected, hidden, std::move(roofs));
-        root.set("roofsState", std::move(state));
+        addSelectedRoofs(root, {selected, hidden, std::move(roofs)});
     });
 }
 

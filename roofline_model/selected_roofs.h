@@ -20,10 +20,19 @@ inline constexpr std::array kRoofPerspectives{RoofPerspective::Vectorized, RoofP
 // The compute roofs that dominate a program, by perspective; empty when they aren't known.
 using DominatingRoofs = std::map<RoofPerspective, RoofIds>;
 
+// The roofs of a machine and which of them are selected and hidden.
+struct SelectedRoofs {
+    RoofIds selected;
+    RoofIds hidden;
+    generic_iterator_t<RoofItem> roofs;
+};
+
 // One member a roof, by its short name: whether it is selected and whether it is hidden.
 void fillRoofsState(rabbit::object& state, const RoofIds& selected, const RoofIds& hidden,
                     generic_iterator_t<RoofItem> roofs);
-// An object whose one member "roofsState" is that state; an empty text without roofs.
+// Writes that state as the member "roofsState"; nothing without roofs.
+void addSelectedRoofs(rabbit::object& object, const SelectedRoofs& roofs);
+// An object of that one member; an empty text without roofs.
 std::string createSelectedRoofsJson(const RoofIds& selected, const RoofIds& hidden,
                                     generic_iterator_t<RoofItem> roofs);
 

@@ -26,7 +26,8 @@ FLOORS = """
                        gpu_row_roofline_helper offload_row_roofline_helper chart_widgets
 6  roofline_model/:    row_result json_dumps roofline_summary program_summary loop_details analysis_kinds roof_catalogue
                        no_data_rules roofline_document engine_core program_dominance measured_program
-                       roofline_engine gpu_roofline_engine offload_roofline_engine report_helpers factories
+                       roofline_engine gpu_roofline_engine offload_roofline_engine report_helpers report_template
+                       factories
 """
 
 # What a whole folder sees beside itself: floors of the table up to a number, or the files named.

@@ -14,7 +14,28 @@ void forEachApplicable(const Items& items, const RooflineConfiguration& configur
         if (configuration.hasTypes(item.getRooflineTypes())) write(item);
 }
 
+void dumpRooflineTypes(rabbit::object& object, const RooflineTypes& types) {
+    rabbit::array result(object.allocator());
+    for (const auto& type : types) result.push(type);
+    object.append("types", std::move(result));
+}
+
+template <class Item>
+rabbit::array dumpAll(const std::vector<Item>& items, void (Item::*dump)(rabbit::object&) const,
+                      rabbit::Allocator& allocator) {
+    rabbit::array result(allocator);
+    result.reserve(items.size());
+    for (const auto& item : items) {
+        rabbit::object object(allocator);
+        (item.*dump)(object);
+        result.push(std::move(object));
+    }
+    return result;
+}
+
 }  // namespace
+
+void RooflineItem::dump(rabbit::object& object) const { dumpRooflineTypes(object, m_types); }
 
 LoopParam::LoopParam(const char* name, const ValueGetter& getter, const RooflineTypes& types, int type)
     : RooflineItem(types),
@@ -39,6 +60,13 @@ void LoopParam::init(const sptr_t<IDataset>& dataset) const {
 
 void LoopParam::deInit() const {
     if (m_getter) m_getter->deInit();
+}
+
+void LoopParam::dumpParam(rabbit::object& object) const {
+    RooflineItem::dump(object);
+    object.append("name", m_name);
+    object.append("expr", getExpr());
+    if (isNecessary()) object.append("necessary", true);
 }
 
 LoopParamsInitializer::LoopParamsInitializer(const LoopParams& params, const sptr_t<IDataset>& dataset)
@@ -70,6 +98,13 @@ void RooflineProperty::toJSON(rabbit::object& object) const {
     object.set(m_name, m_value);
 }
 
+void RooflineProperty::dump(rabbit::object& object) const {
+    translate();
+    RooflineItem::dump(object);
+    object.append("name", m_name);
+    object.append("value", m_value);
+}
+
 void RooflineAttribute::translate() const {
     if (std::exchange(m_translated, true)) return;
     m_caption = roofline::translate(m_caption);
@@ -90,6 +125,15 @@ void RooflineAttribute::toJSON(rabbit::object& object, const RooflineAttrsTotal&
     if (found != total.values.end()) object.set(m_key, found->second);
 }
 
+void RooflineAttribute::dump(rabbit::object& object) const {
+    translate();
+    RooflineItem::dump(object);
+    object.append("name", m_key);
+    object.append("caption", m_caption);
+    object.append("measure", m_measure);
+    object.append("isMem", m_isMem);
+}
+
 void addRooflineProperties(rabbit::object& object, const RooflineProperties& properties,
                            const RooflineConfiguration& configuration) {
     forEachApplicable(properties, configuration, [&](const auto& property) { property.toJSON(object); });
@@ -105,6 +149,18 @@ void addProgramTotalRooflineAttributes(rabbit::object& object, const RooflineAtt
                                        const RooflineAttrsTotal& total) {
     forEachApplicable(attributes, configuration,
                       [&](const auto& attribute) { attribute.toJSON(object, total); });
+}
+
+rabbit::array dumpLoopParams(const LoopParams& params, rabbit::Allocator& allocator) {
+    return dumpAll(params, &LoopParam::dumpParam, allocator);
+}
+
+rabbit::array dumpRooflineProperties(const RooflineProperties& properties, rabbit::Allocator& allocator) {
+    return dumpAll(properties, &RooflineProperty::dump, allocator);
+}
+
+rabbit::array dumpRooflineAttributes(const RooflineAttributes& attributes, rabbit::Allocator& allocator) {
+    return dumpAll(attributes, &RooflineAttribute::dump, allocator);
 }
 
 }  // namespace data_models2

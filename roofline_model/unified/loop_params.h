@@ -21,6 +21,7 @@ class RooflineItem {
 public:
     explicit RooflineItem(RooflineTypes types) : m_types(std::move(types)) {}
     const RooflineTypes& getRooflineTypes() const { return m_types; }
+    void dump(rabbit::object& object) const;
 
 private:
     RooflineTypes m_types;
@@ -53,6 +54,8 @@ public:
     std::string getExpr() const { return m_getter ? m_getter->getExpr() : std::string(); }
     void init(const sptr_t<IDataset>& dataset) const;
     void deInit() const;
+    // The types, the name and the expression; only what is necessary says so.
+    void dumpParam(rabbit::object& object) const;
 
 private:
     std::string_view m_name;
@@ -90,6 +93,7 @@ public:
     const std::string& getName() const { return m_name; }
     void translate() const;
     void toJSON(rabbit::object& object) const;
+    void dump(rabbit::object& object) const;
 
 private:
     std::string m_name;
@@ -109,6 +113,7 @@ public:
     void toJSON(rabbit::object& object) const;
     // The value of this attribute for the program, when the total has one.
     void toJSON(rabbit::object& object, const RooflineAttrsTotal& total) const;
+    void dump(rabbit::object& object) const;
 
 private:
     std::string m_key;
@@ -129,5 +134,10 @@ void addRooflineAttributes(rabbit::object& object, const RooflineAttributes& att
 void addProgramTotalRooflineAttributes(rabbit::object& object, const RooflineAttributes& attributes,
                                        const RooflineConfiguration& configuration,
                                        const RooflineAttrsTotal& total);
+
+// A whole table, one object an item, whatever the configuration: a reader chooses by the types.
+rabbit::array dumpLoopParams(const LoopParams& params, rabbit::Allocator& allocator);
+rabbit::array dumpRooflineProperties(const RooflineProperties& properties, rabbit::Allocator& allocator);
+rabbit::array dumpRooflineAttributes(const RooflineAttributes& attributes, rabbit::Allocator& allocator);
 
 }  // namespace data_models2

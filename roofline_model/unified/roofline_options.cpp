@@ -175,6 +175,14 @@ std::string CRooflineOptions::getRooflineConfigurationStr(const RooflineTypes& t
     return result;
 }
 
+std::string CRooflineOptions::getDefaultLevel() const {
+    const auto group = std::find_if(m_groups.begin(), m_groups.end(),
+                                    [](const COptionGroup& each) { return each.providesCaption(); });
+    if (group == m_groups.end()) return "L1";
+    const auto levels = group->getRooflineTypes(RooflineTypes());
+    return levels.empty() ? std::string() : levels.front();
+}
+
 std::string CRooflineOptions::getOptionCaption(const std::string& value) const {
     translate();
     for (const auto& group : m_groups)

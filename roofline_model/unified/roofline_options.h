@@ -119,6 +119,9 @@ public:
     std::vector<std::string> getCaptions(const RooflineTypes& types) const;
     // The whole configuration string of a selection, defaults included.
     std::string getRooflineConfigurationStr(const RooflineTypes& types) const;
+    // The memory level that a selection of defaults shows: the first value of the first group that provides
+    // captions; "L1" without such a group, as in captions.
+    std::string getDefaultLevel() const;
     // The caption of a value in the first group that knows it; empty when none does.
     std::string getOptionCaption(const std::string& value) const;
     std::string toString() const;

@@ -16,25 +16,6 @@ using enum OperationsType;
 using Perspective = IRooflineInfo::Perspective;
 using roofline::translate;
 
-struct ProjectionView final : IPerfProjectionViewModel {
-    sptr_t<IDataset> getDataset(DataType type) const override {
-        return type == DataType::Offload ? regions : nullptr;
-    }
-    std::shared_ptr<IRoofManager> getRoofManager(DataType) const override { return roofs; }
-    ProgramInfo getProgramInfo() const override { return {"program", 0.0}; }
-    std::string getResultDirectory() const override { return {}; }
-    LoadSignal& onResultLoaded() override { return loaded; }
-    std::string getTargetMemoryName() const override {
-        return memory.empty() ? throw std::runtime_error("no answer") : memory;
-    }
-    void load() { loaded.raise(LoadType::Refresh, ""); }
-
-    sptr_t<IDataset> regions;
-    std::shared_ptr<RoofTable> roofs = std::make_shared<RoofTable>();
-    std::string memory = "HBM";
-    LoadSignal loaded;
-};
-
 std::shared_ptr<ProjectionView> makeView() {
     const auto view = std::make_shared<ProjectionView>();
     view->regions = makeDataset(

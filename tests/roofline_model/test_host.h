@@ -289,6 +289,25 @@ inline std::shared_ptr<ViewModel> makeViewModel(const sptr_t<IDataset>& self,
     return viewModel;
 }
 
+struct ProjectionView final : IPerfProjectionViewModel {
+    sptr_t<IDataset> getDataset(DataType type) const override {
+        return type == DataType::Offload ? regions : nullptr;
+    }
+    std::shared_ptr<IRoofManager> getRoofManager(DataType) const override { return roofs; }
+    ProgramInfo getProgramInfo() const override { return {"program", 0.0}; }
+    std::string getResultDirectory() const override { return {}; }
+    LoadSignal& onResultLoaded() override { return loaded; }
+    std::string getTargetMemoryName() const override {
+        return memory.empty() ? throw std::runtime_error("no answer") : memory;
+    }
+    void load() { loaded.raise(LoadType::Refresh, ""); }
+
+    sptr_t<IDataset> regions;
+    std::shared_ptr<RoofTable> roofs = std::make_shared<RoofTable>();
+    std::string memory = "HBM";
+    LoadSignal loaded;
+};
+
 // Lets background tasks run while it lives; else none does, since view models of tests change under way.
 class RunningTasks {
 public:
