@@ -150,6 +150,8 @@ OMBRIX_API void setUpLogging(bool debug);
 // The language of all messages ("en" by default); refused (false) when there is no such catalogue or a
 // message was already looked up.
 OMBRIX_API bool setLanguage(const std::string& language);
+// The languages that can be set, ascending: those compiled in and those of the message folder.
+OMBRIX_API std::vector<std::string> availableLanguages();
 // Where a file "messages/<language>.json" overrides the built-in texts; default: beside the program.
 OMBRIX_API void setMessageFolder(const std::string& folder);
 // Replaces what an assertion does (default: one line on stderr); an empty handler restores the default.

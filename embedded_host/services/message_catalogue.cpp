@@ -12,6 +12,8 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <set>
+#include <system_error>
 
 namespace embedded_host {
 namespace {
@@ -99,6 +101,19 @@ std::shared_ptr<const MessageCatalogue> MessageCatalogue::load(const std::string
     if (builtin) texts->merge(*builtin);
     if (auto english = builtinTexts(kFallbackLanguage)) texts->merge(*english);
     return std::make_shared<const MessageCatalogue>(std::move(*texts));
+}
+
+std::vector<std::string> MessageCatalogue::languages(const std::string& folder) {
+    std::set<std::string> names;
+    for (const auto& one : builtinMessages()) names.emplace(one.language);
+    std::error_code error;
+    for (auto file = std::filesystem::directory_iterator(std::filesystem::path(folder) / "messages", error);
+         file != std::filesystem::directory_iterator(); file.increment(error)) {
+        const auto name = file->path().stem().string();
+        if (file->path().extension() == ".json" && isLanguageName(name) && textsOfFile(file->path()))
+            names.insert(name);
+    }
+    return {names.begin(), names.end()};
 }
 
 std::string MessageCatalogue::format(const std::string& id,

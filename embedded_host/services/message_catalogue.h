@@ -23,6 +23,8 @@ public:
     // assertion report.
     static std::shared_ptr<const MessageCatalogue> load(const std::string& language,
                                                         const std::string& folder);
+    // Those that `load` has texts for, ascending.
+    static std::vector<std::string> languages(const std::string& folder);
 
     explicit MessageCatalogue(Texts texts) : m_texts(std::move(texts)) {}
     bool has(const std::string& id) const override { return m_texts.count(id) != 0; }

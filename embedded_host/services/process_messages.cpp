@@ -32,6 +32,10 @@ public:
         m_folder = folder;
         m_catalogue.reset();
     }
+    std::vector<std::string> languages() {
+        const std::lock_guard lock(m_mutex);
+        return MessageCatalogue::languages(m_folder);
+    }
     std::shared_ptr<const MessageCatalogue> fix() {
         const std::lock_guard lock(m_mutex);
         m_isFixed = true;
@@ -73,6 +77,7 @@ private:
 }  // namespace
 
 bool setLanguage(const std::string& language) { return choice().setLanguage(language); }
+std::vector<std::string> availableLanguages() { return choice().languages(); }
 void setMessageFolder(const std::string& folder) { choice().setFolder(folder); }
 
 }  // namespace embedded_host
