@@ -1,0 +1,106 @@
+// The bar above the chart: the library's options, the thread set-up of the roofs, colours and exports.
+import { make, menu, refill, segments } from './dom.js';
+import { roofSide, setUpKey } from './model.js';
+import { choose, readGroups, select } from './options.js';
+import { createRoofMenu } from './roof_menu.js';
+import { texts } from './texts.js';
+
+/**
+ * @param {object} model @param {ReturnType<import('./store.js').createStore>} store
+ * @param {import('./source.js').Source} source
+ * @param {{saveSvg: () => void, savePng: () => void, saveCsv: () => void, help: () => void,
+ *          fail: (error: Error) => void}} actions
+ */
+export function createControls(model, store, source, actions) {
+    const groups = readGroups(model.results[0]);
+    const options = make('div.group');
+    const setUp = make('div.group');
+    const roofMenu = createRoofMenu(model, store, source, actions.fail);
+    const exports = menu(texts('page_export'), make('div.list', null,
+        ...[['svg', actions.saveSvg], ['png', actions.savePng], ['csv', actions.saveCsv]]
+        .map(([kind, save]) =>
+            make('button', {
+                type: 'button', id: `export-${kind}`,
+                onclick: () => {
+                    save();
+                    exports.open = false;
+                },
+            }, texts(`page_export_${kind}`)))));
+    exports.classList.add('right');
+    const element = make('div.controls', { role: 'group', 'aria-label': texts('page_controls') },
+        options, setUp, make('div.group.end', null, roofMenu.element,
+            exports,
+            make('button', {
+                type: 'button', title: texts('page_help'), 'aria-label': texts('page_help'),
+                onclick: actions.help,
+            }, '?')));
+
+    return {
+        element,
+        /** @param {{sides: import('./model.js').Side[]}} scene @param {import('./store.js').State} state */
+        update(scene, state) {
+            const selection = select(groups, state.tokens);
+            refill(options, [
+                ...groups.map((group, at) => optionGroup(group, selection[at],
+                    (value) => store.set({ tokens: choose(groups, selection, at, value) }))),
+                segments(texts('page_colour_by'), texts('page_colour_by_expl'),
+                    ['limit', 'level'].map((value) => ({ value, caption: texts(`page_colour_${value}`) })),
+                    (value) => value === state.colourBy, (colourBy) => store.set({ colourBy })),
+            ]);
+            refill(setUp, setUpFields(roofSide(scene, state), state, (key) => store.set({ setUp: key })));
+            roofMenu.update(scene, state);
+        },
+    };
+}
+
+function optionGroup(group, chosen, onChoose) {
+    const expl = group.values.map((value) => value.expl).filter(Boolean).length === 1
+        ? group.values.find((value) => value.expl).expl : '';
+    return segments(group.caption, group.kind === 'many' ? texts('page_levels_expl') : expl, group.values,
+        (value) => chosen.includes(value), onChoose);
+}
+
+/** Threads and packages, and one thread's roofs, as far as the result offers a choice. */
+function setUpFields(side, state, onChoose) {
+    const { setUps } = side.roofs;
+    if (!setUps.length) return [];
+    const { threads } = side.result;
+    const now = setUps.find((setUp) => setUpKey(setUp) === state.setUp) ?? null;
+    const distinct = (member, of = setUps) => [...new Set(of.map((setUp) => setUp[member]))]
+        .sort((a, b) => a - b);
+    // The wanted member decides; of the others as many as can be stay as they are.
+    const move = (wanted) => {
+        const near = { ...(now ?? setUps[0]), ...wanted };
+        const fit = (setUp) => Object.keys(wanted).every((key) => setUp[key] === wanted[key]) * 4
+            + (setUp.packageCount === near.packageCount) * 2 + (setUp.strategyId === near.strategyId);
+        onChoose(setUpKey(setUps.reduce((best, setUp) => (fit(setUp) > fit(best) ? setUp : best))));
+    };
+    const field = (name, choices, value, onPick) => make('label', { title: texts(`page_${name}_expl`) },
+        make('span.caption', null, texts(`page_${name}`)),
+        make('select', { 'data-focus': name, onchange: (event) => onPick(event.target.value) },
+            ...choices.map(([key, caption]) =>
+                make('option', { value: key, selected: String(key) === String(value) }, caption))));
+    const used = threads?.usedNumberOfThreads;
+    const asRun = ['', used ? texts('page_as_run_threads', used) : texts('page_as_run')];
+    const packages = distinct('packageCount');
+    const captions = new Map((threads?.group?.options ?? []).map((option) => [option.value, option.caption]));
+    const counts = distinct('threadCount').filter(Number.isFinite);
+    const isSingle = now?.strategyId === 'rsiSingleThread';
+    return [
+        counts.length > 1 && field('threads', [asRun, ...counts.map((n) => [n, String(n)])],
+            now?.threadCount ?? '',
+            (n) => (n === '' ? onChoose('') : move({ threadCount: Number(n) }))),
+        packages.length > 1 && field('packages',
+            [...(counts.length > 1 ? [] : [asRun]), ...packages.map((n) => [n, captions.get(n) ?? n])],
+            now?.packageCount ?? (counts.length > 1 ? packages.at(-1) : ''),
+            (n) => (n === '' ? onChoose('') : move({ packageCount: Number(n) }))),
+        distinct('strategyId').length > 1 && now && make('label', { title: texts('page_single_thread_expl') },
+            make('input', {
+                type: 'checkbox', checked: isSingle, 'data-focus': 'single',
+                onchange: () => move({
+                    threadCount: now.threadCount, packageCount: now.packageCount,
+                    strategyId: isSingle ? 'rsiMultiThread' : 'rsiSingleThread',
+                }),
+            }), texts('page_single_thread')),
+    ].filter(Boolean);
+}

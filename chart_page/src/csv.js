@@ -1,0 +1,25 @@
+// Writes the rows of a list as CSV (RFC 4180), with all digits and the units in the heads.
+
+/**
+ * A cell; text that a spreadsheet would run as a formula gets an apostrophe ahead.
+ * @param {string|number|null} value
+ */
+function cell(value) {
+    if (value === null || value === undefined || Number.isNaN(value)) return '';
+    if (typeof value === 'number') return String(value);
+    const guarded = /^[=+\-@\t\r]/.test(value) ? `'${value}` : value;
+    return /[",\r\n]/.test(guarded) ? `"${guarded.replaceAll('"', '""')}"` : guarded;
+}
+
+/**
+ * @template T
+ * @param {Array<import('./grid.js').Column<T> & {unit?: string}>} columns
+ * @param {T[]} items
+ */
+export function toCsv(columns, items) {
+    const lines = [
+        columns.map(({ caption, unit }) => cell(unit ? `${caption} [${unit}]` : caption)),
+        ...items.map((item) => columns.map((column) => cell((column.exported ?? column.value)(item)))),
+    ];
+    return lines.map((line) => `${line.join(',')}\r\n`).join('');
+}

@@ -1,0 +1,195 @@
+// Makes what the page shows out of model and state: the rows of each result at the chosen configuration.
+import { configurations, readGroups, select } from './options.js';
+import { fold, plain, texts } from './texts.js';
+
+/**
+ * @typedef {object} LevelPoint a row at one memory level
+ * @property {string} level option value; "" without a choice of levels
+ * @property {string} caption
+ * @property {number} x decimal logarithms
+ * @property {number} y
+ * @property {number|null} traffic in GB
+ */
+
+/**
+ * @typedef {object} Row
+ * @property {number} index
+ * @property {string} id
+ * @property {string} name
+ * @property {string} location
+ * @property {number|null} time in seconds
+ * @property {number|null} share fraction of the program's time
+ * @property {number|null} calls
+ * @property {string} limit name of the limiting roof, "" for none
+ * @property {'memory'|'compute'|''} limitKind
+ * @property {number|null} fraction of the limiting roof
+ * @property {number|null} speedUp
+ * @property {Array<LevelPoint|null>} points by chosen level
+ * @property {string} cause why the row isn't in the chart; "" where it is
+ * @property {number|null} parent index of the row that calls
+ */
+
+/**
+ * @typedef {object} Side one result at the chosen configuration
+ * @property {number} number 0, or 1 for the new result of a comparison
+ * @property {object} result
+ * @property {Array<{level: string, caption: string, chart: object}>} levels
+ * @property {Row[]} rows
+ * @property {boolean} total rows are shown with all that they call
+ * @property {{asRun: object[], setUps: object[]}} roofs
+ */
+
+/**
+ * @typedef {object} Item a row, or a pair of rows of two results
+ * @property {number} row its number in the page
+ * @property {Array<Row|null>} sides
+ * @property {object|null} pair
+ * @property {string} key folded names, for the search
+ */
+
+/**
+ * Loads both results at the state's configuration.
+ * @param {object} model @param {import('./source.js').Source} source @param {string[]} tokens
+ * @returns {Promise<{sides: Side[], items: Item[]}>}
+ */
+export async function loadScene(model, source, tokens) {
+    const loads = model.results.map((result, number) => loadSide(source, result, number, tokens));
+    const sides = await Promise.all(loads);
+    return { sides, items: makeItems(sides, model.comparison) };
+}
+
+/** @returns {Promise<Side>} */
+async function loadSide(source, result, number, tokens) {
+    const groups = readGroups(result);
+    const selection = select(groups, tokens);
+    const wanted = configurations(groups, selection);
+    const [roofs, ...loaded] = await Promise.all([
+        source.roofs(number, selection[0]?.[0] ?? ''),
+        ...wanted.map(({ configuration }) => source.chart(number, configuration)),
+    ]);
+    const levels = wanted.map((level, i) => ({ ...level, ...loaded[i] })).filter((level) => level.chart);
+    const names = wanted.map(({ configuration }) => configuration);
+    if (!levels.length) throw new Error(texts('page_error_chart', names.join(', ')));
+    const total = levels.some(({ chart }) => chart.placed === 'x1');
+    return { number, result, levels, total, roofs, rows: makeRows(result, levels, total) };
+}
+
+/** A column of a chart by the key of the loop records; empty where the chart hasn't one. */
+const column = ({ chart, columns }, key) => columns[chart.loops?.[key]] ?? [];
+
+/** @returns {Row[]} */
+function makeRows(result, levels, total) {
+    const { rows, dictionary } = result;
+    const read = levels.map((level) => {
+        const suffix = level.chart.placed === 'x1' ? '1' : '';
+        return {
+            ...level,
+            placed: column(level, level.chart.placed),
+            x: column(level, `x${suffix}`),
+            y: column(level, `y${suffix}`),
+            traffic: column(level, suffix ? 'totalMem' : 'selfMem'),
+            time: column(level, suffix ? 'totalElapsedTime' : 'selfElapsedTime'),
+            parents: level.chart.parents === null ? [] : level.columns[level.chart.parents] ?? [],
+        };
+    });
+    const known = rows.time.findIndex((time, i) => time > 0 && rows.share[i] > 0);
+    const whole = known < 0 ? null : rows.time[known] / rows.share[known];
+    const isPlaced = (level, i) => isFinite(level.placed[i] ?? NaN) && isFinite(level.y[i] ?? NaN);
+
+    return rows.id.map((id, i) => {
+        const points = read.map((level) => (!isPlaced(level, i) ? null : {
+            level: level.level, caption: level.caption, x: level.x[i], y: level.y[i],
+            traffic: level.traffic[i] ?? null,
+        }));
+        const placed = points.some(Boolean);
+        const at = placed ? points.findIndex(Boolean) : 0;
+        const { chart, dictionary: causes } = read[at];
+        // With call stacks the chart's time is that of the row with all that it calls.
+        const time = (total && placed ? read[at].time[i] : null) ?? rows.time[i];
+        return {
+            index: i, id, name: rows.name[i], location: rows.location[i], time,
+            share: time === rows.time[i] ? rows.share[i] : whole && time / whole,
+            calls: rows.calls[i],
+            limit: dictionary[rows.limit[i]] ?? '', limitKind: rows.limitKind[i], fraction: rows.fraction[i],
+            speedUp: rows.speedUp[i], points,
+            cause: placed ? '' : plain(causes[chart.causes?.[i]] ?? texts('page_not_drawn')),
+            parent: read[at].parents[i] ?? null,
+        };
+    });
+}
+
+/** @returns {Item[]} */
+function makeItems(sides, comparison) {
+    const [base, next] = sides.map((side) => side.rows);
+    const members = !comparison ? base.map((row) => ({ sides: [row], pair: null })) : [
+        ...comparison.pairs.map((pair) => ({ sides: [base[pair.base], next[pair.new]], pair })),
+        ...comparison.baseOnly.map((i) => ({ sides: [base[i], null], pair: null })),
+        ...comparison.newOnly.map((i) => ({ sides: [null, next[i]], pair: null })),
+    ];
+    return members.map((member, row) => ({
+        ...member, row,
+        key: fold([...new Set(member.sides.flatMap((side) => (side ? [side.name, side.location] : [])))]
+            .join('\n')),
+    }));
+}
+
+/**
+ * Whether an item is within the search and the filter.
+ * @param {import('./store.js').State} state
+ * @returns {(item: Item) => boolean}
+ */
+export function filterOf(state) {
+    const words = fold(state.search).split(/\s+/).filter(Boolean);
+    const least = state.least / 100;
+    return (item) => words.every((word) => item.key.includes(word))
+        && (!least || item.sides.some((side) => side && (side.share ?? 0) >= least));
+}
+
+/** An item's name in the address. @param {Item} item */
+export function pinOf(item) {
+    const side = item.sides.findIndex(Boolean);
+    return `${side}:${item.sides[side].id}`;
+}
+
+/** The item that the state pins, or null. @param {Item[]} items @param {string} pinned */
+export function findPinned(items, pinned) {
+    const [side, ...id] = pinned.split(':');
+    return items.find((item) => item.sides[Number(side)]?.id === id.join(':')) ?? null;
+}
+
+/**
+ * The library's short name of a roof, by which it tells which ones are selected and hidden.
+ * @param {string} name
+ */
+export const roofKey = (name) => name.toLowerCase().replace('(single-threaded)', '').replace(/\s+/g, '');
+
+/**
+ * The result whose roofs are shown.
+ * @param {{sides: Side[]}} scene
+ * @param {import('./store.js').State} state
+ */
+export const roofSide = ({ sides }, state) => sides[Math.min(state.machine, sides.length - 1)];
+
+/** The set-up's name in the state. */
+export const setUpKey = (setUp) => [setUp.threadCount, setUp.packageCount, setUp.strategyId].join('/');
+
+/**
+ * The roofs of a result at the chosen set-up.
+ * @param {Side} side @param {import('./store.js').State} state
+ * @returns {Array<{key: string, roof: object, how: 'strong'|'thin'|'off'}>}
+ */
+export function roofsOf(side, state) {
+    const { asRun, setUps } = side.roofs;
+    const chosen = setUps.find((setUp) => setUpKey(setUp) === state.setUp)?.roofs ?? asRun;
+    const selected = side.levels[0].chart.selectedRoofs ?? {};
+    const seen = new Set();
+    return chosen.filter((roof) => roof.val > 0).map((roof) => {
+        const name = roofKey(roof.name);
+        const key = seen.has(name) ? `${name}.${roof.id}` : name;
+        seen.add(key);
+        // Another level's bandwidth is selected too when that level is shown.
+        const library = side.levels.map(({ chart }) => chart.selectedRoofs?.[name]).filter(Boolean);
+        const how = library.some((l) => l.selected) ? 'strong' : (selected[name]?.hidden ? 'off' : 'thin');
+        return { key, roof, how: state.roofs[key] ?? how };
+    });
+}
