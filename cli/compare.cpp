@@ -4,7 +4,6 @@
 #include "cli/picture/comparison_picture.h"
 #include "cli/progress.h"
 #include "cli/text.h"
-#include "results_comparer/factories.h"
 
 #include <fmt/format.h>
 
@@ -46,10 +45,6 @@ std::optional<double> slowerLimit(const std::string& gate) {
     return percent;
 }
 
-void throwIfCancelled(const ProgressBar& bar) {
-    if (bar.isCancelled()) throw Cancelled("cancelled");
-}
-
 // A form of the answer that isn't written when the user has cancelled while it was made.
 Answer::Form unlessCancelled(const ProgressBar& bar, Answer::Form form) {
     return [&bar, form = std::move(form)] {
@@ -60,15 +55,9 @@ Answer::Form unlessCancelled(const ProgressBar& bar, Answer::Form form) {
     };
 }
 
-// Without matches when the library found none.
 ComparisonData findPairs(const Sessions& sessions, const CompareRequest& request, ProgressBar& bar) {
-    const auto comparer = request.roofline ? data_models2::createRooflineResultsComparer()
-                                           : data_models2::createResultsComparer();
-    if (!comparer) throw std::runtime_error("the library has no comparer");
-    ComparisonData data{
-        sessions.base.models.survey, sessions.other.models.survey, sessions.base.kind->compared, {}};
     BarProgress progress(bar);
-    if (!comparer->compare(data, request.threshold, &progress)) data.matches.clear();
+    auto data = matchRows(sessions.base, sessions.other, request.threshold, request.roofline, progress);
     bar.clear();
     throwIfCancelled(bar);
     return data;

@@ -1,8 +1,11 @@
 // Brings the rows of two results together and sums them up.
 #include "cli/comparison.h"
 
+#include "results_comparer/factories.h"
+
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 #include <unordered_map>
 #include <utility>
 
@@ -112,6 +115,16 @@ std::optional<double> Comparison::meanSpeedUp() const {
             logarithms += std::log(*factor), ++number;
     if (number == 0) return {};
     return std::exp(logarithms / static_cast<double>(number));
+}
+
+data_models2::ComparisonData matchRows(const Session& before, const Session& after, double threshold,
+                                       bool isRoofline, data_models2::IProgress& progress) {
+    const auto comparer =
+        isRoofline ? data_models2::createRooflineResultsComparer() : data_models2::createResultsComparer();
+    if (!comparer) throw std::runtime_error("the library has no comparer");
+    data_models2::ComparisonData data{before.models.survey, after.models.survey, before.kind->compared, {}};
+    if (!comparer->compare(data, threshold, &progress)) data.matches.clear();
+    return data;
 }
 
 Comparison makeComparison(const Session& before, const Session& after,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host_interfaces/comparison.h"
+#include "host_interfaces/progress.h"
 
 #include "cli/row_lines.h"
 #include "cli/session.h"
@@ -56,6 +57,10 @@ struct Comparison {
     std::optional<double> meanSpeedUp() const;
 };
 
+// The rows that the library matches by `threshold` percent or more; with `isRoofline` only rows that have a
+// point take part. Without matches when there are none or `progress` was cancelled.
+data_models2::ComparisonData matchRows(const Session& before, const Session& after, double threshold,
+                                       bool isRoofline, data_models2::IProgress& progress);
 // Each result's rows with their self data, and what `matched` says of them, in the base's order.
 Comparison makeComparison(const Session& before, const Session& after,
                           const data_models2::ComparisonData& matched, double noise);

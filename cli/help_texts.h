@@ -84,4 +84,9 @@ inline constexpr auto kRoofsFooter =
 and table from then on. It is kept in the machine file beside the measured value: results that share a machine
 file share its custom roofs. Odd numbers of threads are taken as the next even one.)";
 
+inline constexpr auto kServeFooter =
+    R"(Prints the page's address on stdout and serves it to this machine alone until Ctrl-C. The address holds
+a secret: who has it can read the result and change custom roofs. When the result or its machine file changes,
+the page loads itself again; while the new file can't be read, the page tells why and shows what it had.)";
+
 }  // namespace cli

@@ -83,12 +83,11 @@ std::string placeText(const Session& session, const RoofThreadingFeatures& featu
                        session.result->machineFile());
 }
 
-RoofThreadingFeatures setUpOf(const Session& session, const RoofsRequest& request) {
+RoofThreadingFeatures setUpOf(const Session& session, const RoofChoice& roofs) {
     if (session.result->machineFile().empty())
-        throw std::runtime_error(request.source.file +
-                                 ": this result has no machine file to keep custom roofs in; give one with "
-                                 "--machine FILE");
-    return threadingOf(session, request.roofs);
+        throw std::runtime_error(
+            "this result has no machine file to keep custom roofs in; give one with --machine FILE");
+    return threadingOf(session, roofs);
 }
 
 void need(bool isDone, const Session& session) {
@@ -100,7 +99,7 @@ void need(bool isDone, const Session& session) {
 }  // namespace
 
 void setOwnRoofs(const Session& session, const RoofsRequest& request, Console& console) {
-    const auto features = setUpOf(session, request);
+    const auto features = setUpOf(session, request.roofs);
     const auto known = knownRoofs(session);
     std::vector<Assignment> all;
     for (const auto& text : request.set) {
@@ -120,9 +119,22 @@ void setOwnRoofs(const Session& session, const RoofsRequest& request, Console& c
 }
 
 void clearOwnRoofs(const Session& session, const RoofsRequest& request, Console& console) {
-    const auto features = setUpOf(session, request);
+    const auto features = setUpOf(session, request.roofs);
     need(session.engine->clearCustomRoofValues(features), session);
     console.err << cleanText("cleared the custom roofs of " + placeText(session, features)) << '\n';
+}
+
+void setOwnRoof(const Session& session, int id, std::uint64_t value, const RoofChoice& roofs) {
+    const auto features = setUpOf(session, roofs);
+    const auto known = knownRoofs(session);
+    const auto roof = std::find_if(known.begin(), known.end(),
+                                   [&](const auto& each) { return static_cast<int>(each.id) == id; });
+    if (roof == known.end()) throw UsageError(fmt::format("this machine has no roof {}", id));
+    need(session.engine->setCustomRoofValues(roof->id, value, features), session);
+}
+
+void clearOwnRoofs(const Session& session, const RoofChoice& roofs) {
+    need(session.engine->clearCustomRoofValues(setUpOf(session, roofs)), session);
 }
 
 }  // namespace cli

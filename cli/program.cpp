@@ -53,7 +53,7 @@ void addOutputs(CLI::App& command, Outputs& outputs, const char* bare) {
 void addMachineAndLanguage(CLI::App& command, ResultSource& source) {
     command.add_option("--machine", source.machine, "machine file in place of the result's own")
         ->type_name("FILE");
-    command.add_option("--language", source.language, "language of the library's texts, such as en")
+    command.add_option("--language", source.language, "language of the library's texts: en or de")
         ->type_name("LANGUAGE");
 }
 
@@ -224,6 +224,13 @@ void addOperations(Commands& commands) {
     addOutputs(*operations, request->outputs, "the table");
 }
 
+void addTemplate(Commands& commands) {
+    auto [command, request] = commands.add<TemplateRequest>(
+        commands.app, "template", "Print what a report tells of a program, but its loops, as JSON",
+        "roofline template result.json > template.json", runTemplate);
+    addSource(*command, request->source);
+}
+
 // Also refuses what is no number, which a comparison with bounds lets pass.
 CLI::Validator percentUpTo(double most) {
     return {[most](std::string& text) {
@@ -276,6 +283,31 @@ void addComparison(Commands& commands) {
 void addTarget(CLI::App& command, std::string& output, bool& force) {
     command.add_option("-o,--output", output, "file to write; default: stdout")->type_name("FILE");
     command.add_flag("--force", force, "replace an existing file");
+}
+
+void addReport(Commands& commands) {
+    auto [report, request] = commands.add<ReportRequest>(
+        commands.app, "report", "Make a page in one file that a browser opens",
+        "roofline report before.json --compare after.json -o report.html", runReport);
+    addSource(*report, request->source);
+    report->add_option("--compare", request->compare, "result file from after a change")->type_name("NEW");
+    report->add_option("-o,--output", request->output, "file to write, or - for stdout")->type_name("FILE");
+    report->add_option("--json", request->json, "write the page's data alone, or to stdout for -")
+        ->type_name("FILE");
+    report->add_flag("--force", request->force, "replace an existing file");
+}
+
+void addServe(Commands& commands) {
+    auto [serve, request] =
+        commands.add<ServeRequest>(commands.app, "serve", "Show the page of a result while it changes",
+                                   "roofline serve result.json --port 8080", runServe);
+    serve->footer(std::string(kServeFooter) + "\n\n" + serve->get_footer());
+    addSource(*serve, request->source);
+    serve->add_option("--compare", request->compare, "result file from after a change")->type_name("NEW");
+    serve->add_option("--port", request->port, "port of 127.0.0.1; 0: a free one")
+        ->check(CLI::Range(0, 65535).description(""))
+        ->type_name("N")
+        ->capture_default_str();
 }
 
 void addImports(Commands& commands) {
@@ -358,7 +390,10 @@ void addAll(Commands& commands) {
     addReaders(commands);
     addRowReaders(commands);
     addOperations(commands);
+    addTemplate(commands);
     addComparison(commands);
+    addReport(commands);
+    addServe(commands);
     addImports(commands);
     addProjection(commands);
 }

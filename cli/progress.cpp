@@ -56,6 +56,10 @@ void ProgressBar::clear() {
     m_shown = -1;
 }
 
+void throwIfCancelled(const ProgressBar& bar) {
+    if (bar.isCancelled()) throw Cancelled("cancelled");
+}
+
 void BarProgress::start(const std::string&, std::uint64_t totalSteps) { m_totalSteps = totalSteps; }
 
 void BarProgress::advance(std::uint64_t doneSteps) {

@@ -42,6 +42,9 @@ private:
     int m_shown = -1;  // percent
 };
 
+// Throws Cancelled when the user has cancelled.
+void throwIfCancelled(const ProgressBar& bar);
+
 // The bar as the library wants it. The bar outlives this object.
 class BarProgress final : public data_models2::IProgress {
 public:

@@ -90,6 +90,9 @@ struct OperationsRequest {
     ResultSource source;
     Outputs outputs;
 };
+struct TemplateRequest {
+    ResultSource source;
+};
 struct CompareRequest {
     ResultSource base;  // its machine and language count for the new result too
     std::string newFile;
@@ -101,6 +104,18 @@ struct CompareRequest {
     std::string failIf;                    // "slower=PERCENT"; empty: never
     std::optional<std::uint64_t> details;  // a row of the base, in place of the list
     std::optional<std::string> configuration;
+};
+struct ReportRequest {
+    ResultSource source;  // its machine and language count for the new result too
+    std::string compare;  // the new result; empty: none
+    std::string output;   // the page
+    std::string json;     // its data alone; one of the two is empty
+    bool force = false;
+};
+struct ServeRequest {
+    ResultSource source;  // its machine and language count for the new result too
+    std::string compare;  // the new result; empty: none
+    int port = 0;         // 0: a free one
 };
 struct ImportCsvRequest {
     std::string file;
@@ -149,7 +164,10 @@ int runRows(const RowsRequest&, Console&);
 int runRow(const RowRequest&, Console&);
 int runLoop(const LoopRequest&, Console&);
 int runOperations(const OperationsRequest&, Console&);
+int runTemplate(const TemplateRequest&, Console&);
 int runCompare(const CompareRequest&, Console&);
+int runReport(const ReportRequest&, Console&);
+int runServe(const ServeRequest&, Console&);
 int runImportCsv(const ImportCsvRequest&, Console&);
 int runImportRoofs(const ImportRoofsRequest&, Console&);
 int runImportRocprof(const ImportRocprofRequest&, Console&);

@@ -1,6 +1,8 @@
 // Takes a row's roofline apart. Nothing is judged here: which roof limits a row is the library's answer.
 #include "cli/row_lines.h"
 
+#include "host_interfaces/host_functions.h"
+
 #include "cli/operations.h"
 #include "cli/unplaced_rows.h"
 
@@ -98,6 +100,12 @@ std::vector<LevelLine> levelsOf(const IRowRooflineInfo& info) {
     return lines;
 }
 
+std::string limitKindOf(const LimitingRoof& limit) {
+    if (limit.boundCategory == BoundCategory::Compute || roof::hasType(limit, RoofItem::Compute))
+        return "compute";
+    return limit.memoryLevel != MemoryLevel::None || roof::hasType(limit, RoofItem::Memory) ? "memory" : "";
+}
+
 // The roofs that the point stands on or above: why the library passed them over.
 void readRoofsBelow(RowLine& line, const IRowRooflineInfo& info) {
     const auto memory = info.getMemoryRoofs();
@@ -159,7 +167,9 @@ RowLine RowReader::read(const sptr_t<RowNode>& row) const {
     line.operations = point.operationsType == OperationsType::Int ? "int" : "float";
     line.intensity = point.ai;
     line.performance = point.performance;
-    line.limit = roofOver(info->getLimitingRoof(true), point.performance);
+    const auto limit = info->getLimitingRoof(true);
+    line.limit = roofOver(limit, point.performance);
+    if (line.limit) line.limitKind = limitKindOf(limit);
     line.nearest = roofOver(info->getLimitingRoof(false), point.performance);
     readRoofsBelow(line, *info);
     line.cause = causeWithoutLimit(line, *info, causeWithoutCompute(line));

@@ -38,6 +38,7 @@ struct RowLine {
     std::optional<double> intensity;
     std::optional<double> performance;
     std::optional<RoofOver> limit;         // of the total point
+    std::string limitKind;                 // of that roof: "memory", "compute"; empty where not known
     std::optional<RoofOver> nearest;       // above any point of a memory level
     std::optional<RoofOver> underMemory;   // the highest memory roof, when no memory roof stands above
     std::optional<RoofOver> underCompute;  // the row's compute roof, when it doesn't stand above

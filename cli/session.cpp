@@ -41,8 +41,9 @@ std::vector<std::string> knownValues(const Session& session) {
 }
 
 void chooseLanguage(const ResultSource& source) {
-    if (!source.language.empty() && !embedded_host::setLanguage(source.language))
-        throw UsageError(fmt::format("--language: there are no texts in '{}'", source.language));
+    if (source.language.empty() || embedded_host::setLanguage(source.language)) return;
+    throw UsageError(fmt::format("--language: there are no texts in '{}'; known: {}", source.language,
+                                 fmt::join(embedded_host::availableLanguages(), ", ")));
 }
 
 std::shared_ptr<embedded_host::Result> readResult(const std::string& file, const ResultSource& source) {
@@ -121,6 +122,13 @@ void waitForTasks() {
     constexpr std::chrono::minutes kLimit(2);
     if (!embedded_host::pumpTasks(kLimit))
         throw std::runtime_error("the search for what dominates the program doesn't come to an end");
+}
+
+std::optional<std::string> loadSummary(const Session& session) {
+    const auto text = std::make_shared<std::optional<std::string>>();  // the answer may come after all
+    session.engine->loadSummaryData(0, [text](const std::string& answer) { *text = answer; });
+    waitForTasks();
+    return *text;
 }
 
 std::string chooseConfiguration(const Session& session, const std::optional<std::string>& given) {

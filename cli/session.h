@@ -37,6 +37,8 @@ void needMeasured(const Session& session, const std::string& file, const char* t
 
 // Until the library knows what dominates the program. Throws std::runtime_error when that takes too long.
 void waitForTasks();
+// The library's summary; empty when it has none, nothing when its search has failed. Waits for tasks.
+std::optional<std::string> loadSummary(const Session& session);
 
 // The configuration to ask for: the one given, or the options' defaults. Throws UsageError when it holds a
 // value that this result's options lack: the library would fall back on defaults without a word.

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <optional>
 
 namespace cli {
@@ -17,14 +16,6 @@ namespace {
 
 using Kind = Column::Kind;
 using json::Value;
-
-// The text of the library; empty when it has none, nothing when its search has failed.
-std::optional<std::string> loadSummary(const Session& session) {
-    const auto text = std::make_shared<std::optional<std::string>>();  // the answer may come after all
-    session.engine->loadSummaryData(0, [text](const std::string& answer) { *text = answer; });
-    waitForTasks();
-    return *text;
-}
 
 std::optional<double> childValue(const Value& metric, std::string_view key) {
     for (const auto& child : json::items(metric, "children"))

@@ -118,40 +118,50 @@ std::string missingOf(const Row& row, const Dataset& dataset, const ResultTraits
     return kMissingOther;
 }
 
-RowCount countRows(const Session& session, const ChartDocument& document, const std::string& configuration) {
-    const auto &rows = session.rows, &tree = session.tree;
-    const auto& kind = *session.kind;
-    RowCount count;
-    if (!rows) return count;
-    const auto options = optionsOf(configuration);
-    const bool isTotal = tree && !options.count("1");
-    // Total data lives in the tree, which holds the same rows.
-    const auto& dataset = isTotal ? tree : rows;
-    const auto& operations = operationFields(kind, options);
-    const Cells ops(dataset, {isTotal ? operations.total : operations.self});
-    const Cells traffic(dataset, trafficFields(kind, options, isTotal));
-    const Cells time(dataset, {timeField(kind, isTotal)});
+struct UnplacedCauses::Fields {
+    Cells operations, traffic, time;
+    std::set<std::uint64_t> hidden;
+};
 
+UnplacedCauses::UnplacedCauses(const Session& session, std::set<std::string> drawn,
+                               const std::string& configuration)
+    : m_drawn(std::move(drawn)) {
+    const auto options = optionsOf(configuration);
+    // Total data lives in the tree, which holds the same rows.
+    const bool isTotal = session.tree && !options.count("1");
+    m_dataset = isTotal ? session.tree : session.rows;
+    const auto& operations = operationFields(*session.kind, options);
+    m_names = {operations.missing, kMissingTraffic, kMissingTime, "caller not on the chart", kMissingOther};
+    if (!m_dataset) return;
+    m_fields.reset(new Fields{Cells(m_dataset, {isTotal ? operations.total : operations.self}),
+                              Cells(m_dataset, trafficFields(*session.kind, options, isTotal)),
+                              Cells(m_dataset, {timeField(*session.kind, isTotal)}),
+                              idsBelowMissing(m_dataset, m_drawn)});
+}
+
+UnplacedCauses::~UnplacedCauses() = default;
+
+std::size_t UnplacedCauses::of(const Row& row) const {
+    if (!m_fields->operations.anyAboveZero(row)) return kOps;
+    if (!m_fields->traffic.anyAboveZero(row)) return kTrafficCause;
+    if (!m_fields->time.anyAboveZero(row)) return kTime;
+    return m_fields->hidden.count(row->getId()) ? kCaller : kOther;
+}
+
+RowCount countRows(const Session& session, const ChartDocument& document, const std::string& configuration) {
+    RowCount count;
+    if (!session.rows) return count;
     std::set<std::string> drawn;
     for (const auto& point : document.points) drawn.insert(point.id);
-    const auto hidden = idsBelowMissing(dataset, drawn);
+    const UnplacedCauses causes(session, std::move(drawn), configuration);
 
     std::array<std::size_t, kCauses> counts{};
-    const auto causeOf = [&](const Row& row) {
-        if (!ops.anyAboveZero(row)) return kOps;
-        if (!traffic.anyAboveZero(row)) return kTrafficCause;
-        if (!time.anyAboveZero(row)) return kTime;
-        return hidden.count(row->getId()) ? kCaller : kOther;
-    };
-    forEachChartRow(dataset, [&](const Row& row) {
+    forEachChartRow(causes.dataset(), [&](const Row& row) {
         ++count.rows;
-        drawn.count(std::to_string(row->getId())) ? ++count.drawn : ++counts[causeOf(row)];
+        causes.isDrawn(row) ? ++count.drawn : ++counts[causes.of(row)];
     });
-
-    const std::array<const char*, kCauses> names{operations.missing, kMissingTraffic, kMissingTime,
-                                                 "caller not on the chart", kMissingOther};
     for (std::size_t i = 0; i < kCauses; ++i)
-        if (counts[i] > 0) count.unplaced.push_back({names[i], counts[i]});
+        if (counts[i] > 0) count.unplaced.push_back({causes.names()[i], counts[i]});
     return count;
 }
 

@@ -8,6 +8,8 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -23,6 +25,30 @@ struct RowCount {
     std::size_t rows = 0;
     std::size_t drawn = 0;
     std::vector<UnplacedRows> unplaced;  // causes that occur, in a fixed order
+};
+
+// Tells of each row that a chart leaves out what it lacks.
+class UnplacedCauses {
+public:
+    using Row = data_models2::sptr_t<data_models2::RowNode>;
+
+    // `drawn`: the ids of the rows that the chart has. `configuration` is complete, one value a group.
+    UnplacedCauses(const Session& session, std::set<std::string> drawn, const std::string& configuration);
+    ~UnplacedCauses();
+    // Holds the rows; null when the result has none.
+    const data_models2::sptr_t<data_models2::IDataset>& dataset() const { return m_dataset; }
+    bool isDrawn(const Row& row) const { return m_drawn.count(std::to_string(row->getId())) > 0; }
+    // Of a row that isn't drawn: its place among the names.
+    std::size_t of(const Row& row) const;
+    // In the order in which they are looked for.
+    const std::vector<std::string>& names() const { return m_names; }
+
+private:
+    struct Fields;
+    std::set<std::string> m_drawn;
+    data_models2::sptr_t<data_models2::IDataset> m_dataset;
+    std::vector<std::string> m_names;
+    std::unique_ptr<const Fields> m_fields;
 };
 
 // `configuration` is complete, one value a group.

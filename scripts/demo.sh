@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the program, charts the shipped example and compares its two compilers.
+# Installs what is missing, builds the program, charts the shipped example, compares its two compilers, makes a report.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -16,3 +16,6 @@ echo
 echo
 echo "The chart document is demo-out/chart.json, the pictures demo-out/chart.svg and demo-out/comparison.svg;"
 echo "more: $roofline --help"
+if "$roofline" report "$result" --compare examples/two_compilers/clang.json --force -o demo-out/report.html; then
+    echo "Open $PWD/demo-out/report.html in a browser: the comparison as a page that needs no network."
+fi

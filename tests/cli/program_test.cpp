@@ -12,6 +12,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 namespace cli {
 namespace {
 
@@ -40,7 +42,7 @@ TEST_F(Program, RefusesWrongUsageWithOneLine) {
         {{"chart", kExample, "--config", "f-L9"}, kUsage, "L9"},
         {{"chart", kExample, "--json", "-", "--table"}, kUsage, "stdout"},
         {{"chart", kExample, "--json", twice, "--svg", twice}, kUsage, "same file"},
-        {{"chart", kExample, "--language", "xx"}, kUsage, "xx"},
+        {{"chart", kExample, "--language", "xx"}, kUsage, "'xx'; known: de, en"},
         {{"import", "csv", "t.csv"}, kUsage, "--map"},
         {{"import", "csv", "t.csv", "--map", "NoEqualSign"}, kUsage, "FIELD=COLUMN"},
         {{"import", "csv", "t.csv", "--map", "A=b*inf"}, kUsage, "finite"},
@@ -80,6 +82,8 @@ TEST_F(Program, PrintsTheLibrarysAnswersToTheByte) {
               engine->getRoofs("i", {4, {}, 1}, data_models2::IRooflineInfo::Perspective::Program));
     EXPECT_EQ(run({"roofs", kExample, "--all"}).out,
               engine->getAllRoofs(engine->getRooflineConfigurationStr({})));
+    EXPECT_TRUE(embedded_host::pumpTasks(std::chrono::seconds(60)));
+    EXPECT_EQ(run({"template", kExample}).out, engine->getReportTemplate(nullptr));
     const auto view = example->viewModel();
     const auto document =
         engine->getRooflineData(view->getDataset(data_models2::DataType::Cpu),

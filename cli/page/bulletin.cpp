@@ -1,0 +1,45 @@
+#include "cli/page/bulletin.h"
+
+#include <utility>
+
+namespace cli::page {
+
+News Bulletin::read() const {
+    const std::lock_guard lock(m_mutex);
+    return m_news;
+}
+
+News Bulletin::wait(std::uint64_t known, std::chrono::milliseconds limit) const {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait_for(lock, limit, [&] { return m_news.number != known; });
+    return m_news;
+}
+
+template <class Change>
+void Bulletin::change(Change&& change) {
+    {
+        const std::lock_guard lock(m_mutex);
+        change(m_news);
+        ++m_news.number;
+    }
+    m_changed.notify_all();
+}
+
+void Bulletin::publish(int version, std::string page) {
+    auto text = std::make_shared<const std::string>(std::move(page));
+    change([&](News& news) {
+        news.version = version;
+        news.page = std::move(text);
+        news.fault.clear();
+    });
+}
+
+void Bulletin::tell(std::string fault) {
+    change([&](News& news) { news.fault = std::move(fault); });
+}
+
+void Bulletin::close() {
+    change([](News& news) { news.isClosed = true; });
+}
+
+}  // namespace cli::page

@@ -1,0 +1,20 @@
+#include "cli/page/live_page.h"
+
+namespace cli::page {
+
+LivePage::LivePage(const ServeRequest& request, const Resources& resources)
+    : m_token(makeToken()),
+      m_results({request.source, request.compare, m_token}, resources, m_bulletin),
+      m_engine({[this] { m_results.lookAgain(); }, [this] { m_results.close(); }}) {
+    m_engine.ask([this] { m_results.open(); }, std::chrono::hours(24));
+    m_server = std::make_unique<Server>(
+        Served{m_engine, m_results, m_bulletin, resources, m_token, !request.compare.empty()}, request.port);
+}
+
+// Who waits is told first: the server ends when its last answer is out.
+LivePage::~LivePage() {
+    m_bulletin.close();
+    m_engine.stop();
+}
+
+}  // namespace cli::page

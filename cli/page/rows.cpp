@@ -1,0 +1,170 @@
+// Rows as columns.
+#include "cli/page/rows.h"
+
+#include "cli/page/texts.h"
+#include "cli/unplaced_rows.h"
+
+#include <algorithm>
+#include <functional>
+#include <numeric>
+
+namespace cli::page {
+namespace {
+
+using namespace data_models2;
+
+constexpr auto kSelfData = "1";
+
+class Cells {
+public:
+    Cells(const IDataset& dataset, const Rows::Node& row) : m_dataset(dataset), m_row(row) {}
+
+    std::string text(FieldId field) const {
+        std::string value;
+        const auto column = m_dataset.getColumn(field);
+        return column && m_dataset.getString(m_row, column, 0, value) ? value : std::string();
+    }
+    std::optional<double> number(FieldId field) const {
+        variant_t value;
+        const auto column = m_dataset.getColumn(field);
+        if (!column || !m_dataset.getValue(m_row, column, 0, value)) return {};
+        return value.toDouble();
+    }
+
+private:
+    const IDataset& m_dataset;
+    const Rows::Node& m_row;
+};
+
+std::string typeOf(const Cells& cells) {
+    auto type = cells.text(FieldId::LoopType);
+    const auto detail = cells.text(FieldId::TypeDetail);
+    if (!type.empty() && !detail.empty()) type += ' ';
+    return type + detail;
+}
+
+// Why a row has no verdict; empty when it has one.
+std::string causeOf(const RowLine& line) {
+    if (!line.limit && line.underMemory) return "above all memory roofs";
+    return line.cause;
+}
+
+// A level that any row has, by what the rows call it.
+struct LevelColumn {
+    std::string level;
+    std::string option;
+    std::vector<const LevelLine*> lines;  // aligned with the rows; null where a row lacks the level
+};
+
+std::vector<LevelColumn> levelColumns(const Rows& rows, const Session& session) {
+    std::vector<LevelColumn> columns;
+    for (std::size_t row = 0; row < rows.size(); ++row)
+        for (const auto& line : rows.lines[row].levels) {
+            auto found = std::find_if(columns.begin(), columns.end(),
+                                      [&](const LevelColumn& each) { return each.level == line.level; });
+            if (found == columns.end())
+                found = columns.insert(columns.end(), {line.level, {}, {rows.size(), nullptr}});
+            found->lines[row] = &line;
+        }
+    for (const auto& [option, caption] : optionCaptions(session))
+        for (auto& column : columns)
+            if (column.level == caption || column.level == option) column.option = option;
+    return columns;
+}
+
+}  // namespace
+
+std::vector<std::size_t> Rows::longest(std::size_t most) const {
+    std::vector<std::size_t> order(size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    const auto time = [this](std::size_t row) { return lines[row].seconds.value_or(-1.0); };
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return time(a) > time(b); });
+    order.resize(std::min(most, order.size()));
+    return order;
+}
+
+Rows readRowsOf(const Session& session) {
+    Rows rows;
+    const RowRooflines rooflines(session, kSelfData, {});
+    rows.lines = readRows(session, rooflines);
+    const auto& dataset = rooflines.dataset();
+    forEachChartRow(dataset, [&](const Rows::Node& row) {
+        rows.places.emplace(std::to_string(row->getId()), rows.nodes.size());
+        rows.nodes.push_back(row);
+        const Cells cells(*dataset, row);
+        rows.types.push_back(typeOf(cells));
+        rows.calls.push_back(cells.number(FieldId::CallCount));
+        const auto vectorised = cells.number(FieldId::Vectorized);
+        rows.vectorised.push_back(vectorised ? std::optional(*vectorised != 0.0) : std::nullopt);
+    });
+    return rows;
+}
+
+void writeRows(Writer& writer, const Rows& rows, Dictionary& dictionary) {
+    const auto column = [&](const char* name, auto&& each) {
+        writer.key(name);
+        writer.array(rows.lines, each);
+    };
+    const auto values = [&](const char* name, const auto& list, auto&& each) {
+        writer.key(name);
+        writer.array(list, each);
+    };
+    const auto number = [&](const std::optional<double>& value) { writer.number(value); };
+    const auto text = [&](const std::string& value) { writer.text(value); };
+    writer.object([&] {
+        column("id", [&](const RowLine& line) { writer.text(line.id); });
+        column("name", [&](const RowLine& line) { writer.text(line.name); });
+        column("location", [&](const RowLine& line) { writer.text(line.location); });
+        values("type", rows.types, text);
+        column("time", [&](const RowLine& line) { writer.number(line.seconds); });
+        column("share", [&](const RowLine& line) { writer.number(line.share); });
+        values("calls", rows.calls, number);
+        values("vectorised", rows.vectorised, [&](const std::optional<bool>& value) {
+            value ? void(writer.Bool(*value)) : void(writer.Null());
+        });
+        column("operations", [&](const RowLine& line) { writer.text(line.operations); });
+        column("intensity", [&](const RowLine& line) { writer.number(line.intensity); });
+        column("performance", [&](const RowLine& line) { writer.number(line.performance); });
+        column("limit", [&](const RowLine& line) {
+            dictionary.writeIndex(writer, line.limit ? line.limit->name : std::string());
+        });
+        column("limitKind", [&](const RowLine& line) { writer.text(line.limitKind); });
+        column("fraction", [&](const RowLine& line) {
+            writer.number(line.limit ? std::optional(line.limit->fraction) : std::nullopt);
+        });
+        column("speedUp", [&](const RowLine& line) { writer.number(line.speedUp()); });
+        column("cause", [&](const RowLine& line) {
+            dictionary.writeIndex(writer, translateWords("cause", causeOf(line)));
+        });
+        column("doubt", [&](const RowLine& line) {
+            dictionary.writeIndex(writer, translateWords("doubt", line.doubt));
+        });
+    });
+}
+
+void writeLevels(Writer& writer, const Rows& rows, const Session& session, Dictionary& dictionary) {
+    using Line = const LevelLine*;
+    const auto write = [&](const LevelColumn& level) {
+        const auto column = [&](const char* name, auto&& each) {
+            writer.key(name);
+            writer.array(level.lines, [&](Line line) { line ? void(each(*line)) : void(writer.Null()); });
+        };
+        writer.object([&] {
+            writer.member("level", level.level);
+            writer.member("option", level.option);
+            column("traffic", [&](const LevelLine& line) { writer.number(line.traffic); });
+            column("roof", [&](const LevelLine& line) {
+                dictionary.writeIndex(writer, line.roof ? line.roof->name : std::string());
+            });
+            column("fraction", [&](const LevelLine& line) {
+                writer.number(line.roof ? std::optional(line.roof->fraction) : std::nullopt);
+            });
+            column("timeShare", [&](const LevelLine& line) { writer.number(line.timeShare); });
+            column("nearest", [&](const LevelLine& line) { writer.Bool(line.isNearest); });
+        });
+    };
+    writer.array(levelColumns(rows, session), write);
+}
+
+}  // namespace cli::page

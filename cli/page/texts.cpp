@@ -1,0 +1,57 @@
+// Reading of the message catalogue.
+#include "cli/page/texts.h"
+
+#include "host_interfaces/host_functions.h"
+
+#include <boost/algorithm/string/replace.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
+
+namespace cli::page {
+namespace {
+
+using namespace data_models2;
+
+constexpr std::string_view kMessages[] = {
+#define OMBRIX_MESSAGE(id) std::string_view(id),
+#include "host_interfaces/message_ids.inc"
+#undef OMBRIX_MESSAGE
+};
+
+// Null when the host has none.
+const IMessageCatalogue* catalogue() {
+    static const auto kCatalogue = loadMessageCatalogue("data_models.roofline");
+    return kCatalogue.get();
+}
+
+}  // namespace
+
+void writeTexts(Writer& writer) {
+    const std::vector<variant_t> arguments{std::string("%1"), std::string("%2"), std::string("%3")};
+    writer.object([&] {
+        for (const auto id : kMessages)
+            if (id.substr(0, 5) == "page_" && catalogue())
+                writer.member(id, catalogue()->format(std::string(id), arguments));
+    });
+}
+
+std::string translateWords(std::string_view kind, const std::string& words) {
+    auto id = fmt::format("page_{}_{}", kind, words);
+    std::transform(id.begin(), id.end(), id.begin(), [](unsigned char c) {
+        return std::isalnum(c) ? static_cast<char>(std::tolower(c)) : '_';
+    });
+    return say(id, words, {});
+}
+
+std::string say(const std::string& id, std::string_view fallback, const std::vector<std::string>& arguments) {
+    if (catalogue() && catalogue()->has(id))
+        return catalogue()->format(id, {arguments.begin(), arguments.end()});
+    std::string text(fallback);
+    for (std::size_t i = 0; i < arguments.size(); ++i)
+        boost::replace_all(text, fmt::format("%{}", i + 1), arguments[i]);
+    return text;
+}
+
+}  // namespace cli::page

@@ -1,0 +1,206 @@
+// The served page, asked through HTTP as a browser and others would.
+#include "cli/page/live_page.h"
+#include "cli/page/opening.h"
+#include "tests/cli/program_run.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <future>
+#include <httplib.h>
+#include <mutex>
+#include <thread>
+
+namespace cli {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::HasSubstr;
+
+const std::string kFolder = OMBRIX_SOURCE_DIR "/examples/quick/";
+// Needs no Node.js.
+const page::Resources kResources{{"<title>{{TITLE}}</title>{{MODEL}}"}, {"script-src 'none'"}};
+
+class Serve : public test::FolderTest {
+protected:
+    const std::string machineText = embedded_host::readFile(kFolder + "machine.json");
+    const std::string resultText = embedded_host::readFile(kFolder + "result.json");
+    const std::string machine = file("machine.json", machineText);
+    const std::string result = file("result.json", resultText);
+    const ServeRequest request{{result, {}, {}}, {}, 0};
+    std::unique_ptr<page::LivePage> live = std::make_unique<page::LivePage>(request, kResources);
+
+    httplib::Client client() const { return httplib::Client("127.0.0.1", live->port()); }
+    std::string under(const std::string& path) const { return '/' + live->token() + '/' + path; }
+    httplib::Result get(const std::string& path, const httplib::Headers& headers = {}) {
+        return client().Get(under(path), headers);
+    }
+    httplib::Result post(const std::string& body, httplib::Headers headers = {},
+                         const char* type = "application/json") {
+        headers.emplace("X-Roofline-Token", live->token());
+        return client().Post(under("roof"), headers, body, type);
+    }
+};
+
+// Listens to the events of a page until it is told enough.
+class Listener {
+public:
+    explicit Listener(int port, const std::string& path)
+        : m_client("127.0.0.1", port), m_thread([this, path] {
+              m_client.Get(path, [this](const char* text, std::size_t size) {
+                  const std::lock_guard lock(m_mutex);
+                  m_heard.append(text, size);
+                  m_changed.notify_all();
+                  return true;
+              });
+              const std::lock_guard lock(m_mutex);
+              m_heard += "END";
+              m_changed.notify_all();
+          }) {}
+    ~Listener() { m_thread.join(); }
+    std::string waitFor(const std::string& text) {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait_for(lock, 20s, [&] { return m_heard.find(text) != std::string::npos; });
+        return m_heard;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::string m_heard;
+    httplib::Client m_client;
+    std::thread m_thread;
+};
+
+TEST_F(Serve, AnswersWhatTheBuilderGives) {
+    live.reset();  // one thread at a time hears of the library's tasks
+    std::map<std::string, std::string> expected;
+    {
+        const auto results = page::openResults(request.source, {});
+        const auto& own = results.front();
+        const auto configuration = own.configurations().back(), id = own.rows().lines.front().id;
+        expected = {{"chart?result=0&config=" + configuration, own.chart(configuration)},
+                    {"roofs?result=0&operations=i", own.roofs("i")},
+                    {"details?result=0&id=" + id, own.details(id)}};
+    }
+    live = std::make_unique<page::LivePage>(request, kResources);
+    for (const auto& [path, body] : expected) EXPECT_EQ(get(path)->body, body) << path;
+    const auto page = get("");
+    EXPECT_THAT(page->body, HasSubstr("<title>"));
+    EXPECT_THAT(page->get_header_value("Content-Security-Policy"), HasSubstr("connect-src 'self'"));
+    EXPECT_EQ(page->get_header_value("Cache-Control"), "no-store");
+}
+
+TEST_F(Serve, TurnsStrangersAndNonsenseAway) {
+    const auto own = "127.0.0.1:" + std::to_string(live->port());
+    const auto wrong = std::string(live->token().size(), '0');
+    const std::tuple<std::string, httplib::Headers, int> rows[] = {
+        {under(""),
+         {{"Host", "localhost:" + std::to_string(live->port())}, {"Origin", "http://" + own}},
+         200},
+        {under(""), {{"Host", "rebound.example:" + std::to_string(live->port())}}, 403},
+        {under(""), {{"Host", "127.0.0.1:1"}}, 403},
+        {under(""), {{"Origin", "http://elsewhere.example"}}, 403},
+        {under(""), {{"Origin", "null"}}, 403},
+        {"/", {}, 404},
+        {"/" + live->token(), {}, 404},
+        {"/" + wrong + "/", {}, 404},
+        {under("../" + live->token() + "/"), {}, 404},
+        {under("%2e%2e/machine.json"), {}, 404},
+        {under("roof"), {}, 405},
+        {under("chart?result=0&config=f-1-L9-all"), {}, 400},
+        {under("chart?result=0"), {}, 400},
+        {under("chart?result=1&config=f-1-L1-all"), {}, 400},
+        {under("roofs?result=0&operations=%3Cb%3E%ff"), {}, 400},
+        {under("details?result=0&id=" + std::string(300, '1')), {}, 400},
+        {under("details?result=0&id=4711"), {}, 404},
+        {under("chart?config=" + std::string(9000, 'f')), {}, 414},
+    };
+    for (const auto& [path, headers, status] : rows) {
+        const auto answer = client().Get(path, headers);
+        ASSERT_TRUE(answer) << path;
+        EXPECT_EQ(answer->status, status) << path;
+        EXPECT_EQ(answer->body.find(status == 200 ? "<title>" : R"({"error":")"), 0u) << answer->body;
+    }
+}
+
+TEST_F(Serve, SetsRoofsForThoseWhoMay) {
+    const std::string set =
+        R"({"result":0,"id":6,"value":4e10,"threadCount":0,"packageCount":0,"single":false})";
+    const auto before = get("roofs?result=0&operations=f")->body;
+    const std::tuple<std::string, httplib::Headers, const char*, int> rows[] = {
+        {set, {{"Origin", "http://elsewhere.example"}}, "application/json", 403},
+        {set, {}, "text/plain", 415},
+        {set, {{"Content-Encoding", "gzip"}}, "application/json", 415},
+        {set + std::string(4096, ' '), {}, "application/json", 413},
+        {"{\"result\":0,\"id\":6", {}, "application/json", 400},
+        {R"({"result":0,"id":6})", {}, "application/json", 400},
+        {R"({"result":0,"id":6,"value":-1})", {}, "application/json", 400},
+        {R"({"result":0,"id":6,"value":1e300})", {}, "application/json", 400},
+        {R"({"result":1,"id":6,"value":1})", {}, "application/json", 400},
+        {R"({"result":0,"id":4711,"value":1})", {}, "application/json", 400},
+        {R"({"result":0,"id":6,"value":1,"threads":4})", {}, "application/json", 400},
+    };
+    for (const auto& [body, headers, type, status] : rows)
+        EXPECT_EQ(post(body, headers, type)->status, status) << body.substr(0, 60);
+    EXPECT_EQ(client().Post(under("roof"), set, "application/json")->status, 403) << "no token in the header";
+    EXPECT_EQ(embedded_host::readFile(machine), machineText);
+
+    Listener listener(live->port(), under("events"));
+    listener.waitFor(":\n\n");
+    EXPECT_EQ(post(set)->body, "{}");
+    EXPECT_THAT(get("roofs?result=0&operations=f")->body, HasSubstr(R"("id":6,"val":40000000000)"));
+    EXPECT_EQ(post(R"({"result":0,"id":0,"value":null})")->status, 200);
+    EXPECT_EQ(get("roofs?result=0&operations=f")->body, before);
+    std::this_thread::sleep_for(2s);  // for a change that would be taken for a foreign one
+    EXPECT_THAT(get("")->body, HasSubstr("<title>"));
+    EXPECT_EQ(listener.waitFor("data: 3").find("data: 4"), std::string::npos);
+
+    std::filesystem::remove(machine);
+    EXPECT_EQ(post(set)->status, 409);
+    live.reset();
+}
+
+TEST_F(Serve, TellsChangesFaultsAndItsEnd) {
+    std::vector<std::unique_ptr<Listener>> tabs;
+    for (int i = 0; i < 12; ++i)
+        tabs.push_back(std::make_unique<Listener>(live->port(), under("events?version=1")));
+    file("result.json", "{");
+    EXPECT_THAT(tabs.front()->waitFor("event: fault"), HasSubstr("result.json"));
+    EXPECT_EQ(get("roofs?result=0&operations=f")->status, 200) << "what was read stays";
+    auto changed = resultText;
+    changed.replace(changed.find("\"name\": \""), 9, "\"name\": \"other_");
+    file("result.json", changed);
+    for (const auto& tab : tabs) EXPECT_THAT(tab->waitFor("data: 2"), HasSubstr("event: changed"));
+    EXPECT_THAT(get("")->body, HasSubstr("<title>other_"));
+    Listener late(live->port(), under("events?version=1"));
+    EXPECT_THAT(late.waitFor("data: 2"), HasSubstr("event: changed")) << "changed since its page was read";
+
+    const auto start = std::chrono::steady_clock::now();
+    live.reset();
+    for (const auto& tab : tabs) EXPECT_THAT(tab->waitFor("END"), HasSubstr("END"));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 3s);
+}
+
+TEST(EngineThread, AnswersThoseWhoWaitWhenItStops) {
+    std::promise<void> started, goOn;
+    page::EngineThread engine({[] {}, [] {}});
+    const auto running = std::async(std::launch::async, [&] {
+        engine.ask([&] { started.set_value(), goOn.get_future().wait(); }, 1min);
+    });
+    started.get_future().wait();
+    EXPECT_THROW(engine.ask([] {}, 10ms), page::NotNow) << "busy";
+    auto waiting = std::async(std::launch::async, [&] { engine.ask([] {}, 1min); });
+    auto stopping = std::async(std::launch::async, [&] { engine.stop(); });
+    while (waiting.wait_for(1ms) != std::future_status::ready &&
+           stopping.wait_for(0ms) != std::future_status::ready) {
+    }
+    EXPECT_THROW(waiting.get(), page::NotNow);
+    goOn.set_value();
+    stopping.get();
+    EXPECT_THROW(engine.ask([] { return 1; }, 1min), page::NotNow);
+}
+
+}  // namespace
+}  // namespace cli
