@@ -23,8 +23,8 @@ public:
     virtual bool isCancelled() const = 0;
 };
 
-// Shows nothing and is never cancelled.
-class OMBRIX_API DummyProgress final : public IProgress {
+// Shows nothing and is never cancelled: what others need not write again.
+class OMBRIX_API DummyProgress : public IProgress {
 public:
     void start(const std::string&, std::uint64_t) override {}
     void message(const std::string&) override {}

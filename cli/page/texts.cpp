@@ -16,7 +16,7 @@ using namespace data_models2;
 
 constexpr std::string_view kMessages[] = {
 #define OMBRIX_MESSAGE(id) std::string_view(id),
-#include "host_interfaces/message_ids.inc"
+#include "cli/page/message_ids.inc"
 #undef OMBRIX_MESSAGE
 };
 
@@ -31,9 +31,8 @@ const IMessageCatalogue* catalogue() {
 void writeTexts(Writer& writer) {
     const std::vector<variant_t> arguments{std::string("%1"), std::string("%2"), std::string("%3")};
     writer.object([&] {
-        for (const auto id : kMessages)
-            if (id.substr(0, 5) == "page_" && catalogue())
-                writer.member(id, catalogue()->format(std::string(id), arguments));
+        if (!catalogue()) return;
+        for (const auto id : kMessages) writer.member(id, catalogue()->format(std::string(id), arguments));
     });
 }
 

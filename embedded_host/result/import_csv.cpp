@@ -3,6 +3,7 @@
 #include "embedded_host/result/csv_reader.h"
 #include "embedded_host/result/import_text.h"
 #include "embedded_host/result/json_reader.h"
+#include "embedded_host/result/kinds.h"
 #include "embedded_host/services/fields.h"
 
 #include <fmt/format.h>
@@ -22,17 +23,6 @@ using data_models2::FieldInfo;
 using data_models2::FieldType;
 
 using Cells = std::vector<std::string_view>;
-
-struct KindNames {
-    ResultKind kind;
-    std::string_view result;
-    std::string_view row;
-};
-constexpr auto kKindNames = std::to_array<KindNames>({
-    {ResultKind::Cpu, "cpu", "loop"},
-    {ResultKind::Gpu, "gpu", "kernel"},
-    {ResultKind::Offload, "offload", "loop"},
-});
 
 // A member of each row's cells: the column times the factor, or the same JSON value for every row.
 struct Source {
@@ -188,14 +178,11 @@ private:
     void put(std::string_view text) { std::copy(text.begin(), text.end(), m_buffer.Push(text.size())); }
 
     void writeHead() {
-        const auto names = std::find_if(kKindNames.begin(), kKindNames.end(),
-                                        [&](const KindNames& row) { return row.kind == m_import.kind; });
-        m_rowKind = names->row;
         const std::string program = m_import.programName.empty()
                                         ? std::filesystem::path(m_import.file).stem().string()
                                         : m_import.programName;
         put("{\n\"format\": \"roofline-result\",\n\"version\": 1,\n");
-        put(fmt::format("\"kind\": \"{}\",\n", names->result));
+        put(fmt::format("\"kind\": \"{}\",\n", traitsOf(m_import.kind).name));
         put(fmt::format("\"program\": {{\"name\": {}}},\n", jsonText(program, "the program's name")));
         if (!m_import.machineFile.empty())
             put(fmt::format("\"machine\": {},\n", jsonText(m_import.machineFile, "the machine file's name")));
@@ -209,7 +196,7 @@ private:
         m_writer.Key("id");
         m_writer.Uint64(id);
         m_writer.Key("kind");
-        writeText(m_writer, m_rowKind);
+        writeText(m_writer, traitsOf(m_import.kind).rowKind);
         m_writer.Key("cells");
         m_writer.StartObject();
         for (const Source& source : m_sources) {
@@ -244,7 +231,6 @@ private:
     std::optional<JoinedTable> m_second;
     std::unordered_set<const FieldInfo*> m_taken;
     std::vector<Source> m_sources;
-    std::string_view m_rowKind;
     rapidjson::StringBuffer m_buffer;
     JsonWriter m_writer{m_buffer};
 };

@@ -3,6 +3,7 @@
 
 #include "embedded_host/embedded_host.h"
 #include "embedded_host/result/gpu_view_model.h"
+#include "embedded_host/result/kinds.h"
 #include "embedded_host/result/offload_view_model.h"
 #include "embedded_host/result/own_roofs.h"
 #include "embedded_host/result/view_model.h"
@@ -13,12 +14,6 @@
 namespace embedded_host {
 namespace {
 using namespace data_models2;
-
-DataType rowsOf(ResultKind kind) {
-    return kind == ResultKind::Cpu   ? DataType::Cpu
-           : kind == ResultKind::Gpu ? DataType::Gpu
-                                     : DataType::Offload;
-}
 
 // One of the two view models is there.
 struct Views {
@@ -38,7 +33,7 @@ public:
     std::string machineFile() const override { return m_machine->file; }
     std::string targetName() const override { return m_targetName; }
     std::string ownRoofsFault() const override {
-        const auto table = base().getRoofManager(rowsOf(m_kind));
+        const auto table = base().getRoofManager(traitsOf(m_kind).rows);
         return table ? embedded_host::ownRoofsFault(*table) : std::string();
     }
     std::shared_ptr<ISurveyingViewModel> viewModel() const override { return m_views.measured; }
@@ -63,7 +58,7 @@ private:
 
 // The target, else the machine's device; of other kinds nothing.
 std::string targetNameOf(const ResultFile& result, const Machine& machine) {
-    if (result.kind != ResultKind::Offload) return {};
+    if (!traitsOf(result.kind).hasTarget) return {};
     if (result.target && !result.target->name.empty()) return result.target->name;
     return machine.device ? machine.device->name : std::string();
 }

@@ -3,6 +3,7 @@
 
 #include "embedded_host/result/derivation.h"
 #include "embedded_host/result/device.h"
+#include "embedded_host/result/kinds.h"
 #include "embedded_host/result/row_reader.h"
 
 #include <algorithm>
@@ -17,7 +18,6 @@ constexpr auto kTopMembers = std::to_array<std::string_view>(
     {"format", "version", "kind", "program", "machine", "levels", "rows", "device", "target"});
 constexpr auto kProgramMembers =
     std::to_array<std::string_view>({"name", "elapsedTime", "usedThreads", "collected"});
-constexpr auto kResultKinds = std::to_array<std::string_view>({"cpu", "gpu", "offload"});  // by ResultKind
 constexpr auto kLevelNames =
     std::to_array<std::string_view>({"L1", "L2", "L3", "L4", "PKGRAM", "DRAM", "LLC"});
 constexpr auto kCollectedNames = std::to_array<std::string_view>({"trip_counts", "call_counts"});
@@ -67,29 +67,19 @@ void readLevels(const JsonFile& file, const JsonValue& value, ResultFile& result
     if (result.levels.empty()) file.fail(value, "expected the name of at least one memory level");
 }
 
-// Which member of the head belongs to results of one kind, and the field of their rows' elapsed time.
-struct KindTraits {
-    FieldId time;
-    bool hasLevels = false;
-    bool hasDevice = false;
-    bool hasTarget = false;
-};
-// By ResultKind.
-constexpr auto kKinds = std::to_array<KindTraits>({
-    {.time = FieldId::TotalElapsedTime, .hasLevels = true},
-    {.time = FieldId::GpuElapsedTime, .hasDevice = true},
-    {.time = FieldId::OffloadElapsedTime, .hasTarget = true},
-});
+constexpr auto kKindNames = [] {
+    std::array<std::string_view, kResultKinds.size()> names;
+    for (const auto& kind : kResultKinds) names[static_cast<std::size_t>(kind.kind)] = kind.name;
+    return names;
+}();
 
 // The total elapsed time of the top rows; on a device the time of all kernels, on a target that of all rows.
-double elapsedTimeOf(const RowTable& rows, ResultKind kind) {
-    const auto* const times = rows.find(kKinds[static_cast<std::size_t>(kind)].time);
+double elapsedTimeOf(const RowTable& rows, const KindTraits& kind) {
+    const auto* const times = rows.find(kind.time);
     if (!times) return 0.0;
-    const bool isTree = kind == ResultKind::Cpu;
     double sum = 0.0;
-    for (std::size_t row = 0; row < rows.size(); row = isTree ? rows.ends[row] : row + 1) {
-        if (kind != ResultKind::Gpu || (rows.types[row] & row_type::kGpuTask))
-            sum += times->as<double>()[row];
+    for (std::size_t row = 0; row < rows.size(); row = kind.isTopTime ? rows.ends[row] : row + 1) {
+        if ((rows.types[row] & kind.rowType) == kind.rowType) sum += times->as<double>()[row];
     }
     return std::isfinite(sum) ? sum : 0.0;
 }
@@ -103,8 +93,8 @@ ResultFile readResult(const JsonFile& file) {
     file.header(root, format, version, "roofline-result");
     file.need(root, kind, "kind");
     ResultFile result;
-    result.kind = static_cast<ResultKind>(file.choice(*kind, kResultKinds));
-    const auto& traits = kKinds[static_cast<std::size_t>(result.kind)];
+    result.kind = static_cast<ResultKind>(file.choice(*kind, kKindNames));
+    const auto& traits = traitsOf(result.kind);
     for (const auto* const foreign :
          {traits.hasLevels ? nullptr : levels, traits.hasDevice ? nullptr : device,
           traits.hasTarget ? nullptr : target}) {
@@ -119,11 +109,11 @@ ResultFile readResult(const JsonFile& file) {
     if (target) result.target = readTarget(file, *target);
 
     file.need(root, rows, "rows");
-    auto table = readRows(file, *rows, result.kind);
+    auto table = readRows(file, *rows, traits);
     derive(table, result.kind, static_cast<std::uint32_t>(result.usedThreads));
-    const double total = elapsedTimeOf(table, result.kind);
+    const double total = elapsedTimeOf(table, traits);
     if (!elapsedTime) result.program.elapsedTime = total;
-    if (result.kind == ResultKind::Gpu) result.kernelTime = total;
+    if (traits.hasDevice) result.kernelTime = total;
     result.rows = std::make_shared<const RowTable>(std::move(table));
     return result;
 }

@@ -22,8 +22,6 @@ constexpr auto kRowMembers = std::to_array<std::string_view>(
 // Deliberate: only a kernel has a bit of its own. Loops, functions and regions are told apart by nobody.
 constexpr auto kKindNames = std::to_array<std::string_view>({"loop", "function", "region", "kernel"});
 constexpr auto kKindBits = std::to_array<std::uint64_t>({0, 0, 0, row_type::kGpuTask});
-constexpr std::size_t kLoop = 0;
-constexpr std::size_t kKernel = 3;
 
 // Texts that come again and again are stored once: a small cache by hash, where a newer text wins its place.
 class TextPool {
@@ -40,7 +38,7 @@ private:
 
 class RowReader {
 public:
-    RowReader(const JsonFile& file, ResultKind kind) : m_file(file), m_kind(kind) {}
+    RowReader(const JsonFile& file, const KindTraits& kind) : m_file(file), m_kind(kind) {}
 
     RowTable read(const JsonValue& rows) {
         readTree(rows);
@@ -102,7 +100,7 @@ private:
         if (mix) readMix(m_table.size() - 1, *mix);
         if (boundedBy) readBounds(m_table.size() - 1, *boundedBy);
         if (statistics) {
-            if (m_kind != ResultKind::Gpu) m_file.fail(*statistics, "only a row of kind gpu has statistics");
+            if (!m_kind.hasStatistics) m_file.fail(*statistics, "only a row of kind gpu has statistics");
             readStatistics(m_file, *statistics, static_cast<std::uint32_t>(m_table.size() - 1),
                            m_table.statistics);
         }
@@ -121,7 +119,7 @@ private:
         if (kind && type) m_file.fail(*type, "expected either \"kind\" or \"type\", found both");
         const auto bits = kind   ? kKindBits[m_file.choice(*kind, kKindNames)]
                           : type ? m_file.integer(*type, 0, UINT64_MAX)
-                                 : kKindBits[m_kind == ResultKind::Gpu ? kKernel : kLoop];
+                                 : m_kind.rowType;
         return bits | (executed && !m_file.boolean(*executed) ? row_type::kNotExecuted : 0);
     }
 
@@ -212,7 +210,7 @@ private:
     }
 
     const JsonFile& m_file;
-    const ResultKind m_kind;
+    const KindTraits& m_kind;
     RowTable m_table;
     std::vector<const JsonValue*> m_rows;
     std::vector<const JsonValue*> m_cells;
@@ -224,7 +222,7 @@ private:
 
 }  // namespace
 
-RowTable readRows(const JsonFile& file, const JsonValue& rows, ResultKind kind) {
+RowTable readRows(const JsonFile& file, const JsonValue& rows, const KindTraits& kind) {
     return RowReader(file, kind).read(rows);
 }
 

@@ -146,18 +146,8 @@ LoopParams makeParams() {
 }
 
 RooflineProperties makeProperties() {
-    return {
-        {"nameX", "roofline_ai_axis_caption", {""}},
-        {"nameY", "roofline_perf_axis_caption", {""}},
-        {"measureX", "roofline_ai_axis_measure", {"f"}},
-        {"measureY", "roofline_perf_axis_measure", {"f"}},
-        {"measureX", "roofline_ai_axis_measure_int", {"i"}},
-        {"measureY", "roofline_perf_axis_measure_int", {"i"}},
-        {"measureX", "roofline_ai_axis_measure_int_float", {"b"}},
-        {"measureY", "roofline_perf_axis_measure_int_float", {"b"}},
-        {"namePref", "roofline_value_prefix", {"0"}},
-        {"namePref1", "roofline_value_prefix1", {"0"}},
-    };
+    return axisProperties(
+        true, {{"namePref", "roofline_value_prefix", {"0"}}, {"namePref1", "roofline_value_prefix1", {"0"}}});
 }
 
 RooflineAttributes makeAttributes() {

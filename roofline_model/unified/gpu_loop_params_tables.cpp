@@ -53,15 +53,7 @@ LoopParams makeParams() {
 }
 
 RooflineProperties makeProperties() {
-    return {
-        {"nameX", "roofline_ai_axis_caption", {""}},
-        {"nameY", "roofline_perf_axis_caption", {""}},
-        {"measureX", "roofline_ai_axis_measure", {"f"}},
-        {"measureY", "roofline_perf_axis_measure", {"f"}},
-        {"measureX", "roofline_ai_axis_measure_int", {"i"}},
-        {"measureY", "roofline_perf_axis_measure_int", {"i"}},
-        {"namePref", "roofline_value_prefix", {""}},
-    };
+    return axisProperties(false, {{"namePref", "roofline_value_prefix", {""}}});
 }
 
 RooflineAttributes makeAttributes() {

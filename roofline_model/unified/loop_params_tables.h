@@ -12,6 +12,10 @@ struct ChartTables {
     RooflineAttributes attributes;
 };
 
+// The axes' names and units, of both kinds of operations together where there are such charts, and behind
+// them the captions of the values.
+RooflineProperties axisProperties(bool hasMixed, const RooflineProperties& captions);
+
 const ChartTables& getCpuTables();
 const ChartTables& getGpuTables();
 const ChartTables& getOffloadTables();

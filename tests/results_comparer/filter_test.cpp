@@ -112,15 +112,9 @@ Matches randomList(std::mt19937& random, int most) {
 }
 
 // Cancelled from the given poll on.
-class Patience final : public IProgress {
+class Patience final : public DummyProgress {
 public:
     explicit Patience(int polls) : m_polls(polls) {}
-    void start(const std::string&, std::uint64_t) override {}
-    void message(const std::string&) override {}
-    void advance(std::uint64_t) override {}
-    void finish() override {}
-    std::uint64_t getTotalSteps() const override { return 0; }
-    void cancel() override {}
     bool isCancelled() const override { return m_polls-- <= 0; }
 
 private:

@@ -115,14 +115,8 @@ TEST(DominatingTypes, LeaveOutHiddenRowsAndWhatIsBelowThem) {
     EXPECT_EQ(assertions.reported.size(), 2u);
 }
 
-class CancelledProgress final : public IProgress {
+class CancelledProgress final : public DummyProgress {
 public:
-    void start(const std::string&, std::uint64_t) override {}
-    void message(const std::string&) override {}
-    void advance(std::uint64_t) override {}
-    void finish() override {}
-    std::uint64_t getTotalSteps() const override { return 0; }
-    void cancel() override {}
     bool isCancelled() const override { return true; }
 };
 
