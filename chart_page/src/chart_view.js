@@ -1,5 +1,5 @@
 // Makes the object that the chart draws out of the rows at the chosen configuration.
-import { filterOf, roofSide, roofsOf } from './model.js';
+import { axesOf, filterOf, gainText, isOfCallees, levelRoof, roofSide, roofsOf } from './model.js';
 import { number, percent, plain, texts } from './texts.js';
 
 const SIDE_NAMES = ['base', 'new'];
@@ -14,7 +14,7 @@ export function chartView(scene, state, title) {
     const { sides, items } = scene;
     const documents = sides.flatMap((side) => side.levels.map(({ chart }) => chart.document));
     const drawn = documents.filter((document) => !document.noDataMessage);
-    const axes = drawn[0] ?? documents[0];
+    const axes = axesOf(sides);
     const matches = filterOf(state);
     const isComparison = sides.length > 1;
     const points = items.flatMap((item) => itemPoints(item, sides, axes, !matches(item)));
@@ -81,41 +81,65 @@ function itemPoints(item, sides, axes, dimmed) {
         for (const point of row.points) {
             if (!point) continue;
             const place = `${point.x} ${point.y}`;
-            if (places.has(place)) places.get(place).captions.push(point.caption);
-            else places.set(place, { point, captions: [point.caption] });
+            if (places.has(place)) places.get(place).push(point);
+            else places.set(place, [point]);
         }
-        return [...places.values()].map(({ point, captions }) => {
+        return [...places.values()].map((points) => {
+            const [point] = points;
             const { result } = sides[at];
             return {
-                key: pointKey(at, row, point.level), row: item.row, name: row.name, level: point.level,
-                levelCaption: captions.join(', '), x: point.x, y: point.y, share: row.share,
+                key: pointKey(at, row, point.level), row: item.row, name: row.short,
+                level: point.level,
+                levelCaption: points.map(({ caption }) => caption).join(', '),
+                x: point.x, y: point.y, share: row.share,
                 limitKind: row.limitKind, limit: row.limit, fraction: row.fraction,
                 vectorised: result.rows.vectorised[row.index], dimmed,
                 side: sides.length > 1 ? SIDE_NAMES[at] : '',
                 // Made when asked: thousands of cards aren't read.
                 get lines() {
-                    return cardLines(item, row, point, captions, sides[at], axes);
+                    return cardLines(item, row, points, sides[at], axes);
                 },
             };
         });
     });
 }
 
-function cardLines(item, row, point, captions, side, axes) {
-    const level = captions.filter(Boolean).join(', ');
-    const { operations } = side.result.rows;
-    const limit = row.limit ? texts('page_card_limit', row.limit, percent(row.fraction))
-        : texts('page_card_no_limit');
+/** The library's verdict on a row, and of what it is where that isn't the point. */
+function limitText(row, { rows, levels }) {
+    if (!row.limit) return texts('page_card_no_limit');
+    const limit = texts('page_card_limit', row.limit, percent(row.fraction));
+    const said = rows.operations[row.index] === 'int' ? texts('page_card_by_int', limit) : limit;
+    // Beside the roof of a level it has to be told that this one isn't of a level.
+    const of = [
+        levels.some(({ roof }) => roof[row.index] !== null) && texts('page_verdict_core'),
+        isOfCallees(row.doubt) && row.doubt,
+    ].filter(Boolean);
+    return of.length ? `${said} (${of.join(', ')})` : said;
+}
+
+/** A point's memory level with how much of that level's own roof the row reaches. */
+function levelText({ level, caption }, result, { index, doubt }) {
+    const roof = levelRoof(result, result.levels.find(({ option }) => option === level), index);
+    const text = texts('page_card_level', caption);
+    if (!roof) return text;
+    const reached = texts('page_card_limit', roof.roof, percent(roof.fraction));
+    return `${text} (${[reached, isOfCallees(doubt) && doubt].filter(Boolean).join(', ')})`;
+}
+
+/** The lines of the hover card. @param {import('./model.js').LevelPoint[]} points on one place */
+function cardLines(item, row, points, { result, number: side }, axes) {
+    const [{ x, y }] = points;
     return [
         row.name,
-        item.pair && texts(side.number ? 'page_card_new' : 'page_card_base', side.result.program),
+        item.pair && texts(side ? 'page_card_new' : 'page_card_base', result.program),
         row.location,
-        level && texts('page_card_level', level),
-        `${number(10 ** point.x)} ${axes.measureX}`,
-        `${number(10 ** point.y)} ${axes.measureY}`,
-        operations[row.index] === 'int' ? texts('page_card_by_int', limit) : limit,
-        row.speedUp > 0 && texts('page_card_speed_up', number(row.speedUp)),
-        texts(side.total ? 'page_card_time_total' : 'page_card_time', number(row.time), percent(row.share)),
+        ...points.filter(({ caption }) => caption).map((point) => levelText(point, result, row)),
+        `${number(10 ** x)} ${axes.measureX}`,
+        `${number(10 ** y)} ${axes.measureY}`,
+        limitText(row, result),
+        gainText(row),
+        row.doubt && !isOfCallees(row.doubt) && texts('page_remark', row.doubt),
+        texts(row.total ? 'page_card_time_total' : 'page_card_time', number(row.time), percent(row.share)),
         row.calls !== null && texts('page_card_calls', number(row.calls)),
         item.pair && texts('page_card_change', changeText(item.pair)),
     ].filter(Boolean);
@@ -127,20 +151,31 @@ export function changeText({ change, speedUp }) {
     return texts(`page_change_${change}`, number(speedUp >= 1 ? speedUp : 1 / speedUp));
 }
 
+/** A name with its side of the comparison. */
+const ofSide = (side, name) => {
+    const caption = texts(side ? 'page_new' : 'page_base');
+    return name ? texts('page_of_side', caption, name) : caption;
+};
+
 function totalsOf(side, isComparison) {
     const seen = new Set();
     return side.levels.flatMap(({ chart }) => chart.document.programTotal ?? []).filter((total) => {
         const place = [total.name, total.x, total.y].join(' ');
         return !seen.has(place) && seen.add(place);
     }).map((total) => ({
-        name: plain(total.name), x: total.x, y: total.y, description: plain(total.descr ?? ''),
+        name: isComparison ? ofSide(side.number, plain(total.name)) : plain(total.name),
+        x: total.x, y: total.y, description: plain(total.descr ?? ''),
         side: isComparison ? SIDE_NAMES[side.number] : '',
     }));
 }
 
+/** A row is once in the lane; where only one side of a comparison is, the entry says which. */
 function lanesOf(item, dimmed) {
-    const row = item.sides.find((side) => side?.cause);
-    return row ? [{ row: item.row, name: row.name, cause: row.cause, dimmed }] : [];
+    const at = item.sides.findIndex((side) => side?.cause);
+    if (at < 0) return [];
+    const { name, cause } = item.sides[at];
+    const isWhole = item.sides.every((side) => side?.cause === cause);
+    return [{ row: item.row, name: isWhole ? name : ofSide(at, name), cause, dimmed }];
 }
 
 /** From each point of the base to that of the same level of the new one. */

@@ -57,7 +57,7 @@ function optionGroup(group, chosen, onChoose) {
     const expl = group.values.map((value) => value.expl).filter(Boolean).length === 1
         ? group.values.find((value) => value.expl).expl : '';
     return segments(group.caption, group.kind === 'many' ? texts('page_levels_expl') : expl, group.values,
-        (value) => chosen.includes(value), onChoose);
+        (value) => chosen.includes(value), onChoose, group.kind === 'many' ? 'many' : 'one');
 }
 
 /** Threads and packages, and one thread's roofs, as far as the result offers a choice. */
@@ -83,7 +83,9 @@ function setUpFields(side, state, onChoose) {
     const used = threads?.usedNumberOfThreads;
     const asRun = ['', used ? texts('page_as_run_threads', used) : texts('page_as_run')];
     const packages = distinct('packageCount');
-    const captions = new Map((threads?.group?.options ?? []).map((option) => [option.value, option.caption]));
+    const options = threads?.group?.options ?? [];
+    const captions = new Map([...options.map(({ value, caption }) => [value, caption]),
+        ...setUps.filter(({ caption }) => caption).map((setUp) => [setUp.packageCount, setUp.caption])]);
     const counts = distinct('threadCount').filter(Number.isFinite);
     const isSingle = now?.strategyId === 'rsiSingleThread';
     return [

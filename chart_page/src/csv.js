@@ -1,4 +1,6 @@
-// Writes the rows of a list as CSV (RFC 4180), with all digits and the units in the heads.
+// Writes the rows of a list as CSV (RFC 4180), with the digits that the data has and the units in the heads.
+
+const DIGITS = 6;  // of the model's numbers
 
 /**
  * A cell; text that a spreadsheet would run as a formula gets an apostrophe ahead.
@@ -6,19 +8,21 @@
  */
 function cell(value) {
     if (value === null || value === undefined || Number.isNaN(value)) return '';
-    if (typeof value === 'number') return String(value);
+    if (typeof value === 'number') return String(Number(value.toPrecision(DIGITS)));
     const guarded = /^[=+\-@\t\r]/.test(value) ? `'${value}` : value;
     return /[",\r\n]/.test(guarded) ? `"${guarded.replaceAll('"', '""')}"` : guarded;
 }
 
 /**
  * @template T
- * @param {Array<import('./grid.js').Column<T> & {unit?: string}>} columns
+ * @param {Array<import('./grid.js').Column<T> & {unit?: string, exportCaption?: string}>}
+ * columns
  * @param {T[]} items
  */
 export function toCsv(columns, items) {
     const lines = [
-        columns.map(({ caption, unit }) => cell(unit ? `${caption} [${unit}]` : caption)),
+        columns.map(({ caption, exportCaption = caption, unit }) =>
+            cell(unit ? `${exportCaption} [${unit}]` : exportCaption)),
         ...items.map((item) => columns.map((column) => cell((column.exported ?? column.value)(item)))),
     ];
     return lines.map((line) => `${line.join(',')}\r\n`).join('');

@@ -1,7 +1,9 @@
 // What is known of the pinned row: verdict, memory levels, the library's messages, tables and explanations.
+import { visible } from './chart/dom.js';
 import { changeText } from './chart_view.js';
 import { figures, make } from './dom.js';
-import { number, percent, plain, texts } from './texts.js';
+import { gainText, isOfCallees, nearestLevel } from './model.js';
+import { isAbove, number, percent, plain, texts } from './texts.js';
 
 /** A bar of a fraction, full at 1. @param {number|null} fraction @param {string} [look] */
 export function bar(fraction, look = '') {
@@ -12,7 +14,7 @@ export function bar(fraction, look = '') {
 
 /** A fraction as text and bar. */
 export const barred = (fraction, look) =>
-    make('span.barred', null, make(`span${fraction > 1 + 1e-9 ? '.odd' : ''}`, null, percent(fraction)),
+    make('span.barred', null, make(`span${isAbove(fraction) ? '.odd' : ''}`, null, percent(fraction)),
         fraction !== null && fraction !== undefined && bar(fraction, look));
 
 /**
@@ -25,7 +27,7 @@ export function showDetails(item, sides, details, onClose) {
     const present = item.sides.flatMap((row, at) =>
         (row ? [{ row, side: sides[at], detail: details[at] }] : []));
     const head = make('header', null,
-        make('h2', { title: present[0].row.name }, present.at(-1).row.name),
+        make('h2', { title: present[0].row.name }, visible(present.at(-1).row.name)),
         make('button.quiet', { type: 'button', title: texts('page_unpin'), 'aria-label': texts('page_unpin'),
             onclick: onClose },
             '\u00d7'));
@@ -67,14 +69,14 @@ function rowDetails(row, side, detail) {
     const facts = [
         row.location, type,
         vectorised !== null && texts(vectorised ? 'page_vectorised' : 'page_not_vectorised'),
-        texts(side.total ? 'page_card_time_total' : 'page_card_time', number(row.time), percent(row.share)),
+        texts(row.total ? 'page_card_time_total' : 'page_card_time', number(row.time), percent(row.share)),
         row.calls !== null && texts('page_card_calls', number(row.calls)),
     ].filter(Boolean);
-    const doubt = dictionary(rows.doubt[row.index]);
     return [
         make('p.facts', null, ...facts.map((fact) => make('span', null, fact))),
         verdict(row, side, dictionary),
-        doubt && make('p.warning', null, doubt),
+        row.doubt && make('p.warning', null, isOfCallees(row.doubt) ? texts('page_verdict_total')
+            : texts('page_remark', row.doubt)),
         row.cause && make('p', null, texts('page_not_in_chart', row.cause)),
         ...(detail ? messages(detail) : []),
         levelTable(row, side, detail),
@@ -85,20 +87,25 @@ function rowDetails(row, side, detail) {
 }
 
 /** The library's judgement of the row as a whole. */
-function verdict(row, { result: { rows } }, dictionary) {
+function verdict(row, { result }, dictionary) {
+    const { rows } = result;
     const cause = dictionary(rows.cause[row.index]);
     if (!row.limit) return make('p', null, texts('page_no_verdict', cause || texts('page_missing')));
     const [intensity, performance, operations] = [rows.intensity, rows.performance, rows.operations]
         .map((column) => column[row.index]);
-    const gain = row.speedUp > 0 ? texts('page_card_speed_up', number(row.speedUp)) : '';
+    const gain = gainText(row);
+    const nearest = nearestLevel(result, row.index);
     return make('div.verdict', null,
         make('p', null, make(`span.limit${row.limitKind ? `.${row.limitKind}` : ''}`, null, row.limit), ' ',
-            make(`span${row.fraction > 1 ? '.odd' : ''}`, null, texts('page_of_roof', percent(row.fraction))),
+            make(`span${isAbove(row.fraction) ? '.odd' : ''}`, null,
+                texts('page_of_roof', percent(row.fraction))),
             gain && `, ${gain}`),
         bar(row.fraction, row.limitKind),
         make('p.facts', null,
             make('span', null, texts('page_verdict_point', number(intensity), number(performance))),
-            operations && make('span', null, texts(`page_operations_${operations}`))));
+            operations && make('span', null, texts(`page_operations_${operations}`)),
+            nearest && make('span', null, texts('page_verdict_core'))),
+        nearest && make('p', null, texts('page_nearest_level', nearest.roof, percent(nearest.fraction))));
 }
 
 function messages({ bottleneck, conclusions }) {
@@ -115,9 +122,13 @@ function levelTable({ index, points }, { result }, detail) {
     if (!known.length) return null;
     const small = new Map((detail?.roofline?.data?.loops ?? [])
         .map((loop) => [loop.attrs?.memoryLevelPref, loop.x]));
-    const intensity = ({ level, option }) => {
+    // A kernel's operations are the same at every level; loops may have other ones without a level.
+    const { time, performance } = result.rows;
+    const operations = result.kind === 'gpu' ? time[index] * performance[index] : 0;
+    const byTraffic = (traffic) => (operations > 0 && traffic > 0 ? operations / traffic : null);
+    const intensity = ({ level, option, traffic }) => {
         const x = small.get(level) ?? points.find((point) => point?.level === option)?.x;
-        return number(x === undefined ? null : 10 ** x);
+        return number(x === undefined ? byTraffic(traffic[index]) : 10 ** x);
     };
     const roofName = (at) => plain(result.dictionary[at] ?? texts('page_missing'));
     return make('section', null,

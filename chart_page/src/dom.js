@@ -34,15 +34,40 @@ export function menu(caption, content) {
     return details;
 }
 
-/** A row of buttons of which one or more are pressed. */
-export function segments(caption, title, values, isChosen, onChoose) {
-    return make('div.segments', { role: 'group', 'aria-label': caption, title },
+/**
+ * A row of buttons of which one is chosen, or, of "many", each on its own.
+ * @param {string} caption @param {string} title
+ * @param {Array<{value: any, caption: string, expl?: string}>} values
+ * @param {(value: any) => boolean} isChosen @param {(value: any) => void} onChoose
+ * @param {'one'|'many'} [kind]
+ */
+export function segments(caption, title, values, isChosen, onChoose, kind = 'one') {
+    const isMany = kind === 'many';
+    const element = make(`div.segments${isMany ? '.many' : ''}`,
+        { role: isMany ? 'group' : 'radiogroup', 'aria-label': caption, title },
         make('span.caption', null, caption),
         ...values.map(({ value, caption: text, expl }) => make('button', {
-            type: 'button', title: expl ?? '', 'aria-pressed': isChosen(value),
-            'data-focus': `${caption}.${value}`,
-            onclick: () => onChoose(value),
+            type: 'button', role: isMany ? 'checkbox' : 'radio', title: expl ?? '',
+            'aria-checked': isChosen(value), tabIndex: isMany || isChosen(value) ? 0 : -1,
+            'data-focus': `${caption}.${value}`, onclick: () => onChoose(value),
         }, text)));
+    if (!isMany) onArrows(element);
+    return element;
+}
+
+/** Arrow keys go round the buttons of an element, and press them. @param {HTMLElement} element */
+export function onArrows(element) {
+    const steps = { ArrowRight: 1, ArrowDown: 1, ArrowLeft: -1, ArrowUp: -1 };
+    element.addEventListener('keydown', (event) => {
+        const buttons = [...element.querySelectorAll('button')];
+        const at = buttons.indexOf(/** @type {any} */ (event.target));
+        const step = steps[event.key];
+        if (at < 0 || !step || event.ctrlKey || event.metaKey || event.altKey) return;
+        event.preventDefault();
+        const next = buttons.at((at + step) % buttons.length);
+        next.focus();
+        next.click();
+    });
 }
 
 /**

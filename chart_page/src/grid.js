@@ -1,13 +1,13 @@
 // A sortable list that stays fluid with tens of thousands of rows: only those in sight are elements.
-import { make } from './dom.js';
-import { texts } from './texts.js';
+import { make, refill } from './dom.js';
+import { cellOf, headCell } from './grid_cells.js';
 
 const ROW_HEIGHT = 26;  // pixels; style.css has the same
 const MARGIN = 8;       // rows made beyond the visible ones
-const LONG = 26;        // characters; what is longer is cut in its middle: names often differ at their ends
-const TAIL = 9;
 const LETTER = 7.25;    // pixels of a letter in the first column, which grows with its names up to WIDEST
 const WIDEST = 240;
+const WIDE_PART = 0.4;  // of a wide list that names may take instead
+const MOST_PART = 0.5;  // of a narrow one
 const collator = new Intl.Collator(undefined, { numeric: true, sensitivity: 'base' });
 
 /**
@@ -20,6 +20,7 @@ const collator = new Intl.Collator(undefined, { numeric: true, sensitivity: 'bas
  * @property {boolean} [numeric]
  * @property {(item: T) => string|number|null} value by which rows are sorted and exported; null stands last
  * @property {(item: T) => string} [text] shown; default: the value
+ * @property {(item: T) => string} [title] of the cell; default: the text, where it isn't a number
  * @property {(item: T) => string} [look] class of the cell
  */
 
@@ -36,164 +37,176 @@ export function sortItems(items, { value }, descending) {
 }
 
 /**
- * @param {{label: string, onSort: (column: string) => void, onPin: (row: number|null) => void,
- *          onHover: (row: number|null) => void}} on
+ * @typedef {object} Callbacks
+ * @property {string} label
+ * @property {(column: string) => void} onSort
+ * @property {(row: number|null) => void} onPin
+ * @property {(row: number|null) => void} onHover
  */
-export function createGrid(on) {
-    const head = make('div.grid-head', { role: 'row' });
-    const body = make('div.grid-body', { role: 'rowgroup' });
-    const empty = make('p.grid-empty', { hidden: true });
-    const root = make('div.grid', { role: 'grid', tabIndex: 0, 'aria-label': on.label },
-        make('div.grid-top', { role: 'rowgroup' }, head), body, empty);
-    let columns = [];
-    let items = [];
-    let active = 0;
-    let marks = { pinned: null, hovered: null };
-    let drawn = { from: -1, to: -1 };
-    // Kept, since asking the element would make the browser lay out a large chart in the middle of a change.
-    const size = { view: 0, head: 0, top: 0 };
 
-    function cell(column, item) {
-        const text = column.text ? column.text(item) : String(column.value(item) ?? '');
-        const isLong = !column.numeric && text.length > LONG;
-        return make('div', {
-            role: 'gridcell', title: column.numeric ? '' : text,
-            className: ['cell', column.numeric && 'number', isLong && 'long', column.look?.(item)]
-                .filter(Boolean).join(' '),
-        }, ...(isLong ? [make('span', null, text.slice(0, -TAIL)), make('span', null, text.slice(-TAIL))]
-            : [text]));
+class Grid {
+    /** @param {Callbacks} on */
+    constructor(on) {
+        this.m_on = on;
+        this.m_head = make('div.grid-head', { role: 'row' });
+        this.m_body = make('div.grid-body', { role: 'rowgroup' });
+        this.m_empty = make('p.grid-empty', { hidden: true });
+        this.element = make('div.grid', { role: 'grid', tabIndex: 0, 'aria-label': on.label },
+            make('div.grid-top', { role: 'rowgroup' }, this.m_head), this.m_body, this.m_empty);
+        this.m_columns = [];
+        this.m_items = [];
+        this.m_longest = 0;  // characters of a name
+        this.m_active = 0;
+        this.m_marks = { pinned: null, hovered: null };
+        this.m_drawn = { from: -1, to: -1 };
+        // Kept: asking the element would make the browser lay out a large chart in the middle of a change.
+        this.m_size = { view: 0, width: 0, head: 0, top: 0 };
+        this.m_listen();
     }
 
-    function draw() {
-        const from = Math.max(0, Math.floor(size.top / ROW_HEIGHT) - MARGIN);
-        const to = Math.min(items.length, Math.ceil((size.top + size.view) / ROW_HEIGHT) + MARGIN);
-        if (from === drawn.from && to === drawn.to) return;
-        drawn = { from, to };
-        body.replaceChildren(...items.slice(from, to).map((item, i) => {
+    m_listen() {
+        const { element: root, m_body: body, m_on: on } = this;
+        const keys = this.m_keys();
+        root.addEventListener('keydown', (event) => {
+            if (event.target !== root || event.ctrlKey || event.metaKey || event.altKey
+                || !keys[event.key]) return;
+            event.preventDefault();
+            keys[event.key]();
+        });
+        root.addEventListener('scroll', () => {
+            this.m_size.top = root.scrollTop;
+            this.m_draw();
+        }, { passive: true });
+        const rowAt = (event) => event.target.closest?.('.grid-row')?.dataset.at;
+        body.addEventListener('click', (event) => {
+            const at = rowAt(event);
+            if (at === undefined) return;
+            this.m_active = Number(at);
+            this.m_pin();
+        });
+        body.addEventListener('pointerover', (event) => on.onHover(this.m_items[rowAt(event)]?.row ?? null));
+        body.addEventListener('pointerleave', () => on.onHover(null));
+        const resizes = new ResizeObserver(() => this.m_resize());
+        resizes.observe(root);
+        resizes.observe(this.m_head);
+    }
+
+    m_keys() {
+        const by = (rows) => () => this.m_moveTo(this.m_active + rows());
+        const page = () => Math.max(1, Math.floor(this.m_size.view / ROW_HEIGHT) - 2);
+        const pin = () => this.m_pin();
+        return {
+            ArrowDown: by(() => 1), ArrowUp: by(() => -1), PageDown: by(page), PageUp: by(() => -page()),
+            Home: () => this.m_moveTo(0), End: () => this.m_moveTo(this.m_items.length - 1),
+            Enter: pin, ' ': pin,
+        };
+    }
+
+    m_resize() {
+        const isFirst = !this.m_size.view;
+        const { clientHeight: view, clientWidth: width } = this.element;
+        const isWider = width !== this.m_size.width;
+        Object.assign(this.m_size, { view, width, head: this.m_head.offsetHeight });
+        if (isWider) this.m_layOut();
+        if (isFirst) this.m_reveal(this.m_active);
+        this.m_draw();
+    }
+
+    /** Shares the width among the columns. */
+    m_layOut() {
+        if (!this.m_columns.length) return;
+        const [first, ...others] = this.m_columns;
+        const { width } = this.m_size;
+        const widest = width ? Math.max(Math.min(WIDEST, width * MOST_PART), width * WIDE_PART) : WIDEST;
+        const room = Math.round(Math.min(widest, Math.max(first.width, this.m_longest * LETTER + 20)));
+        const { style } = this.element;
+        const widths = others.map((column) => `${column.width}px`).join(' ');
+        style.setProperty('--columns', `minmax(${room}px, 1fr) ${widths}`);
+        style.setProperty('--width', `${others.reduce((sum, c) => sum + c.width, room)}px`);
+    }
+
+    m_draw() {
+        const { top, view } = this.m_size;
+        const from = Math.max(0, Math.floor(top / ROW_HEIGHT) - MARGIN);
+        const to = Math.min(this.m_items.length, Math.ceil((top + view) / ROW_HEIGHT) + MARGIN);
+        if (from === this.m_drawn.from && to === this.m_drawn.to) return;
+        this.m_drawn = { from, to };
+        this.m_body.replaceChildren(...this.m_items.slice(from, to).map((item, i) => {
             const row = make('div.grid-row',
                 { role: 'row', id: `row-${item.row}`, 'aria-rowindex': from + i + 2 },
-                ...columns.map((column) => cell(column, item)));
+                ...this.m_columns.map((column, at) => cellOf(column, item, !at)));
             row.dataset.at = from + i;
             row.style.top = `${(from + i) * ROW_HEIGHT}px`;
             return row;
         }));
-        mark();
+        this.m_mark();
     }
 
-    function mark() {
-        for (const row of body.children) {
+    m_mark() {
+        const { m_items: items, m_marks: marks, m_active: active } = this;
+        for (const row of this.m_body.children) {
             const item = items[row.dataset.at];
             row.setAttribute('aria-selected', item.row === marks.pinned);
             row.classList.toggle('hovered', item.row === marks.hovered);
             row.classList.toggle('active', Number(row.dataset.at) === active);
         }
         const shown = items[active] && document.getElementById(`row-${items[active].row}`);
-        if (shown) root.setAttribute('aria-activedescendant', shown.id);
-        else root.removeAttribute('aria-activedescendant');
+        if (shown) this.element.setAttribute('aria-activedescendant', shown.id);
+        else this.element.removeAttribute('aria-activedescendant');
     }
 
     /** Scrolls so far that a row stands free of the head. */
-    function reveal(at) {
-        if (!size.view) return;
-        const top = at * ROW_HEIGHT;
-        const view = size.view - size.head;
-        const next = Math.max(Math.min(size.top, top), top + ROW_HEIGHT - view);
-        if (next !== size.top) root.scrollTop = size.top = next;
-        draw();
+    m_reveal(at) {
+        const { view, head, top } = this.m_size;
+        if (!view) return;
+        const start = at * ROW_HEIGHT;
+        const next = Math.max(Math.min(top, start), start + ROW_HEIGHT - (view - head));
+        if (next !== top) this.element.scrollTop = this.m_size.top = next;
+        this.m_draw();
     }
 
-    function moveTo(at) {
-        if (!items.length) return;
-        active = Math.min(items.length - 1, Math.max(0, at));
-        reveal(active);
-        mark();
-        on.onHover(items[active].row);
+    m_moveTo(at) {
+        if (!this.m_items.length) return;
+        this.m_active = Math.min(this.m_items.length - 1, Math.max(0, at));
+        this.m_reveal(this.m_active);
+        this.m_mark();
+        this.m_on.onHover(this.m_items[this.m_active].row);
     }
 
-    const page = () => Math.max(1, Math.floor(size.view / ROW_HEIGHT) - 2);
-    const pin = (item) => on.onPin(item.row === marks.pinned ? null : item.row);
-    const keys = {
-        ArrowDown: () => moveTo(active + 1),
-        ArrowUp: () => moveTo(active - 1),
-        PageDown: () => moveTo(active + page()),
-        PageUp: () => moveTo(active - page()),
-        Home: () => moveTo(0),
-        End: () => moveTo(items.length - 1),
-        Enter: () => items[active] && pin(items[active]),
-        ' ': () => items[active] && pin(items[active]),
-    };
-    root.addEventListener('keydown', (event) => {
-        if (event.target !== root || event.ctrlKey || event.metaKey || event.altKey
-            || !keys[event.key]) return;
-        event.preventDefault();
-        keys[event.key]();
-    });
-    root.addEventListener('scroll', () => {
-        size.top = root.scrollTop;
-        draw();
-    }, { passive: true });
-    const rowAt = (event) => event.target.closest?.('.grid-row')?.dataset.at;
-    body.addEventListener('click', (event) => {
-        const at = rowAt(event);
-        if (at === undefined) return;
-        active = Number(at);
-        pin(items[active]);
-    });
-    body.addEventListener('pointerover', (event) => on.onHover(items[rowAt(event)]?.row ?? null));
-    body.addEventListener('pointerleave', () => on.onHover(null));
-    const resizes = new ResizeObserver(() => {
-        const isFirst = !size.view;
-        Object.assign(size, { view: root.clientHeight, head: head.offsetHeight });
-        if (isFirst) reveal(active);
-        draw();
-    });
-    resizes.observe(root);
-    resizes.observe(head);
+    m_pin() {
+        const item = this.m_items[this.m_active];
+        if (item) this.m_on.onPin(item.row === this.m_marks.pinned ? null : item.row);
+    }
 
-    return {
-        element: root,
-        /**
-         * @param {{columns: object[], items: object[], sort: string, descending: boolean, none: string}}
-         * content
-         */
-        show(content) {
-            ({ columns, items } = content);
-            const [first, ...others] = columns;
-            const longest = items.reduce((most, item) => Math.max(most, String(first.value(item)).length), 0);
-            const room = Math.min(WIDEST, Math.max(first.width, longest * LETTER + 20));
-            root.style.setProperty('--columns',
-                `minmax(${room}px, 1fr) ${others.map((c) => `${c.width}px`).join(' ')}`);
-            root.style.setProperty('--width', `${others.reduce((sum, c) => sum + c.width, room)}px`);
-            body.style.height = `${items.length * ROW_HEIGHT}px`;
-            root.setAttribute('aria-rowcount', items.length + 1);
-            head.replaceChildren(...columns.map((column) => headCell(column, content, on.onSort)));
-            empty.hidden = items.length > 0;
-            empty.textContent = content.none;
-            active = Math.max(0, items.findIndex((item) => item.row === marks.pinned));
-            drawn = { from: -1, to: -1 };
-            draw();
-        },
-        /**
-         * @param {{pinned: number|null, hovered: number|null}} next
-         * @param {boolean} [scroll] to the pinned row
-         */
-        highlight(next, scroll) {
-            marks = next;
-            const at = items.findIndex((item) => item.row === marks.pinned);
-            if (scroll && at >= 0) reveal(active = at);
-            mark();
-        },
-    };
+    /**
+     * @param {{columns: object[], items: object[], sort: string, descending: boolean, none: string}} content
+     */
+    show(content) {
+        const { columns, items } = content;
+        Object.assign(this, { m_columns: columns, m_items: items, m_drawn: { from: -1, to: -1 } });
+        const [{ text, value }] = columns;
+        this.m_longest = items.reduce((most, item) => Math.max(most, (text ?? value)(item).length), 0);
+        this.m_layOut();
+        this.m_body.style.height = `${items.length * ROW_HEIGHT}px`;
+        this.element.setAttribute('aria-rowcount', items.length + 1);
+        refill(this.m_head, columns.map((column) => headCell(column, content, this.m_on.onSort)));
+        this.m_empty.hidden = items.length > 0;
+        this.m_empty.textContent = content.none;
+        this.m_active = Math.max(0, items.findIndex((item) => item.row === this.m_marks.pinned));
+        this.m_draw();
+    }
+
+    /**
+     * @param {{pinned: number|null, hovered: number|null}} next
+     * @param {boolean} [scroll] to the pinned row
+     */
+    highlight(next, scroll) {
+        this.m_marks = next;
+        const at = this.m_items.findIndex((item) => item.row === next.pinned);
+        if (scroll && at >= 0) this.m_reveal(this.m_active = at);
+        this.m_mark();
+    }
 }
 
-function headCell(column, { sort, descending }, onSort) {
-    const isSorted = column.id === sort;
-    const direction = descending ? 'descending' : 'ascending';
-    return make('div', {
-        role: 'columnheader', className: `cell ${column.numeric ? 'number' : ''}`,
-        'aria-sort': isSorted ? direction : 'none',
-    }, make('button', {
-        type: 'button', title: column.expl || texts('page_sort_by', column.caption), 'data-column': column.id,
-        onclick: () => onSort(column.id),
-    }, column.caption));
-}
+/** @param {Callbacks} on */
+export const createGrid = (on) => new Grid(on);

@@ -1,6 +1,7 @@
 // Makes what the page shows out of model and state: the rows of each result at the chosen configuration.
 import { configurations, readGroups, select } from './options.js';
-import { fold, plain, texts } from './texts.js';
+import { shortNames } from './short_name.js';
+import { fold, number, plain, texts } from './texts.js';
 
 /**
  * @typedef {object} LevelPoint a row at one memory level
@@ -15,15 +16,18 @@ import { fold, plain, texts } from './texts.js';
  * @typedef {object} Row
  * @property {number} index
  * @property {string} id
- * @property {string} name
+ * @property {string} name its id where it has none
+ * @property {string} short the name without what a C++ signature has around it
  * @property {string} location
  * @property {number|null} time in seconds
+ * @property {boolean} total the time is that of the row with all that it calls
  * @property {number|null} share fraction of the program's time
  * @property {number|null} calls
  * @property {string} limit name of the limiting roof, "" for none
  * @property {'memory'|'compute'|''} limitKind
  * @property {number|null} fraction of the limiting roof
  * @property {number|null} speedUp
+ * @property {string} doubt about that verdict; ""
  * @property {Array<LevelPoint|null>} points by chosen level
  * @property {string} cause why the row isn't in the chart; "" where it is
  * @property {number|null} parent index of the row that calls
@@ -35,7 +39,6 @@ import { fold, plain, texts } from './texts.js';
  * @property {object} result
  * @property {Array<{level: string, caption: string, chart: object}>} levels
  * @property {Row[]} rows
- * @property {boolean} total rows are shown with all that they call
  * @property {{asRun: object[], setUps: object[]}} roofs
  */
 
@@ -71,7 +74,7 @@ async function loadSide(source, result, number, tokens) {
     const names = wanted.map(({ configuration }) => configuration);
     if (!levels.length) throw new Error(texts('page_error_chart', names.join(', ')));
     const total = levels.some(({ chart }) => chart.placed === 'x1');
-    return { number, result, levels, total, roofs, rows: makeRows(result, levels, total) };
+    return { number, result, levels, roofs, rows: makeRows(result, levels, total) };
 }
 
 /** A column of a chart by the key of the loop records; empty where the chart hasn't one. */
@@ -94,6 +97,9 @@ function makeRows(result, levels, total) {
     });
     const known = rows.time.findIndex((time, i) => time > 0 && rows.share[i] > 0);
     const whole = known < 0 ? null : rows.time[known] / rows.share[known];
+    const names = rows.name.map((name, i) => (name.trim() ? name : `#${rows.id[i]}`));
+    const short = shortNames(names);
+    const doubts = rows.doubt.map((doubt) => plain(dictionary[doubt] ?? ''));
     const isPlaced = (level, i) => isFinite(level.placed[i] ?? NaN) && isFinite(level.y[i] ?? NaN);
 
     return rows.id.map((id, i) => {
@@ -105,13 +111,17 @@ function makeRows(result, levels, total) {
         const at = placed ? points.findIndex(Boolean) : 0;
         const { chart, dictionary: causes } = read[at];
         // With call stacks the chart's time is that of the row with all that it calls.
-        const time = (total && placed ? read[at].time[i] : null) ?? rows.time[i];
+        const withCallees = (total ? read[at].time[i] : null) ?? null;
+        const time = withCallees ?? rows.time[i];
         return {
-            index: i, id, name: rows.name[i], location: rows.location[i], time,
+            index: i, id, name: names[i], short: short[i], location: rows.location[i],
+            time, total: withCallees !== null,
             share: time === rows.time[i] ? rows.share[i] : whole && time / whole,
             calls: rows.calls[i],
             limit: dictionary[rows.limit[i]] ?? '', limitKind: rows.limitKind[i], fraction: rows.fraction[i],
             speedUp: rows.speedUp[i], points,
+            // Shown with all that it calls it is what the verdict is of.
+            doubt: withCallees !== null && isOfCallees(doubts[i]) ? '' : doubts[i],
             cause: placed ? '' : plain(causes[chart.causes?.[i]] ?? texts('page_not_drawn')),
             parent: read[at].parents[i] ?? null,
         };
@@ -145,6 +155,38 @@ export function filterOf(state) {
         && (!least || item.sides.some((side) => side && (side.share ?? 0) >= least));
 }
 
+/**
+ * Of the levels' memory roofs the one nearest above its level's point, and how much of it the row reaches.
+ * @param {object} result @param {number} index of the row
+ * @returns {{roof: string, fraction: number}|null}
+ */
+export function nearestLevel(result, index) {
+    const level = result.levels.find(({ nearest }) => nearest[index]);
+    return level ? levelRoof(result, level, index) : null;
+}
+
+/** A level's own roof over a row. @returns {{roof: string, fraction: number}|null} */
+export function levelRoof({ dictionary }, level, index) {
+    const [roof, fraction] = [dictionary[level?.roof[index]], level?.fraction[index] ?? null];
+    return roof && fraction !== null ? { roof: plain(roof), fraction } : null;
+}
+
+/** Whether a doubt says that the verdict is of more than the row's own data. @param {string} doubt */
+export const isOfCallees = (doubt) => doubt === texts('page_doubt_with_all_that_it_calls');
+
+/** How much a row would gain on its limiting roof; nothing where it stands on it. @param {Row} row */
+export const gainText = ({ speedUp }) =>
+    (speedUp > 0 && number(speedUp) !== '1' ? texts('page_card_speed_up', number(speedUp)) : '');
+
+/**
+ * The chart document that names the axes: the first one with something to draw.
+ * @param {Side[]} sides
+ */
+export function axesOf(sides) {
+    const documents = sides.flatMap((side) => side.levels.map(({ chart }) => chart.document));
+    return documents.find((document) => !document.noDataMessage) ?? documents[0];
+}
+
 /** An item's name in the address. @param {Item} item */
 export function pinOf(item) {
     const side = item.sides.findIndex(Boolean);
@@ -171,7 +213,11 @@ export const roofKey = (name) => name.toLowerCase().replace('(single-threaded)',
 export const roofSide = ({ sides }, state) => sides[Math.min(state.machine, sides.length - 1)];
 
 /** The set-up's name in the state. */
-export const setUpKey = (setUp) => [setUp.threadCount, setUp.packageCount, setUp.strategyId].join('/');
+export const setUpKey = ({ threadCount, packageCount, strategyId }) =>
+    [threadCount, packageCount, strategyId].join('/');
+
+/** In the state's roofs: how those are drawn that would be thin. */
+export const OTHERS = '*';
 
 /**
  * The roofs of a result at the chosen set-up.
@@ -190,6 +236,6 @@ export function roofsOf(side, state) {
         // Another level's bandwidth is selected too when that level is shown.
         const library = side.levels.map(({ chart }) => chart.selectedRoofs?.[name]).filter(Boolean);
         const how = library.some((l) => l.selected) ? 'strong' : (selected[name]?.hidden ? 'off' : 'thin');
-        return { key, roof, how: state.roofs[key] ?? how };
+        return { key, roof, how: state.roofs[key] ?? (how === 'thin' && state.roofs[OTHERS] || how) };
     });
 }

@@ -1,6 +1,6 @@
 // The list of roofs: which are drawn, which drawn strong; on a served page also values of the reader's own.
 import { make, menu, refill, segments } from './dom.js';
-import { roofSide, roofsOf, setUpKey } from './model.js';
+import { OTHERS, roofSide, roofsOf, setUpKey } from './model.js';
 import { number, plain, texts } from './texts.js';
 
 export function createRoofMenu(model, store, source, fail) {
@@ -28,10 +28,12 @@ export function createRoofMenu(model, store, source, fail) {
                         texts('page_roofs_reset')),
                     make('button', {
                         type: 'button', 'data-focus': 'strong-only',
-                        onclick: () => store.set({
-                            roofs: Object.fromEntries(roofs
-                                .map(({ key, how }) => [key, how === 'strong' ? 'strong' : 'off'])),
-                        }),
+                        // Not by name: which ones are strong follows from what is chosen later.
+                        onclick: () => store.set({ roofs: {
+                            ...Object.fromEntries(Object.entries(state.roofs)
+                                .filter(([, how]) => how === 'strong')),
+                            [OTHERS]: 'off',
+                        } }),
                     }, texts('page_roofs_strong_only'))),
                 source.setRoof && customRoof(side, state, roofs, source.setRoof, fail),
             ].filter(Boolean));
@@ -76,7 +78,7 @@ function customRoof(side, state, roofs, setRoof, fail) {
     const chosen = () => roofs.find(({ roof }) => String(roof.id) === which.value)?.roof;
     const measure = make('span', null, chosen()?.measure ?? '');
     const value = make('input', {
-        type: 'number', min: '0', step: 'any', required: true, 'data-focus': 'own-value',
+        type: 'number', min: '1e-9', step: 'any', required: true, 'data-focus': 'own-value',
         'aria-label': texts('page_own_roof_value'),
     });
     which.addEventListener('change', () => {

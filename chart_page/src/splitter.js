@@ -12,6 +12,13 @@ export function createSplitter(side) {
         const most = Math.max(LEAST, parentElement.clientWidth - LEAST);
         parentElement.style.setProperty('--side', `${Math.min(most, Math.max(LEAST, width))}px`);
     };
+    /** Says the lists' width, in pixels, to those who can't see it. */
+    const tell = () => {
+        const { parentElement, offsetWidth } = side();
+        const max = Math.max(LEAST, parentElement.clientWidth - LEAST);
+        const said = { min: LEAST, max, now: offsetWidth };
+        for (const [name, value] of Object.entries(said)) element.setAttribute(`aria-value${name}`, value);
+    };
     const element = make('div.splitter', {
         role: 'separator', tabIndex: 0, 'aria-orientation': 'vertical', 'aria-label': texts('page_splitter'),
         title: texts('page_splitter'),
@@ -28,5 +35,6 @@ export function createSplitter(side) {
             setWidth(side().getBoundingClientRect().right - event.clientX);
         },
     });
+    new ResizeObserver(tell).observe(side());
     return element;
 }

@@ -96,9 +96,6 @@ export function createStore(defaults) {
             remember();
             show(before);
         },
-        reset() {
-            this.set(start);
-        },
         /** @param {(state: State, before: State|null) => void} view called now and at each change */
         subscribe(view) {
             views.push(view);

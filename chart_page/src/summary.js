@@ -24,7 +24,8 @@ function programSummary(result, title) {
     return make('section', null,
         make('h3', null, title),
         make('p.facts', null, ...facts.map((fact) => make('span', null, fact))),
-        summary?.metrics ? metricTable(summary) : make('p', null, texts('page_no_summary')),
+        summary?.metrics ? metricTable(summary)
+            : !result.isProjection && make('p', null, texts('page_no_summary')),
         mixTable(programMix(summary)));
 }
 
@@ -39,7 +40,9 @@ function metricTable({ metrics, roofs }) {
     const byKey = new Map((roofs ?? []).map((roof) => [roof.key, roof]));
     // The library writes 0 for what wasn't measured.
     const known = ({ value }) => (value > 0 ? value : null);
-    const value = (of) => [number(known(of)), known(of) && plain(of.measure)].filter(Boolean).join(' ');
+    // Metric and roof have one measure, which the roof writes as the chart does.
+    const value = (of, measure = of.measure) =>
+        [number(known(of)), known(of) && plain(measure)].filter(Boolean).join(' ');
     return figures(['metric', 'reached', 'fraction', 'roof_value'].map((id) => texts(`page_column_${id}`)),
         metrics.flatMap((metric) => {
             const roof = byKey.get(metric.roofName);
@@ -52,7 +55,7 @@ function metricTable({ metrics, roofs }) {
                     make(`span${metric.isDominatingOps ? '.nearest' : ''}`,
                         { title: plain(metric.description ?? '') },
                         plain(metric.caption)),
-                    value(metric),
+                    value(metric, roof?.measure),
                     barred(known(metric) && roof?.value > 0 ? metric.value / roof.value : null),
                     roof ? value(roof) : texts('page_missing'),
                 ],

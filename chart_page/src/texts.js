@@ -40,13 +40,16 @@ export function number(value) {
     return Number(value.toPrecision(DIGITS)).toString();
 }
 
+/** Whether it is more than all of something, rounding aside. @param {number|null|undefined} fraction */
+export const isAbove = (fraction) => fraction > 1 + 1e-9;
+
 /**
  * A fraction in percent; more than all of something is marked, since it tells of wrong data.
  * @param {number|null|undefined} fraction
  */
 export function percent(fraction) {
     if (!Number.isFinite(fraction)) return texts('page_missing');
-    return texts(fraction > 1 + 1e-9 ? 'page_percent_above' : 'page_percent', number(fraction * 100));
+    return texts(isAbove(fraction) ? 'page_percent_above' : 'page_percent', number(fraction * 100));
 }
 
 /** Folds case and accents, so that "Uber" finds "\u00dcber". @param {string} text */

@@ -7,6 +7,7 @@ import {
     chartOf, closeBrowser, drawnRows, example, folder, listedNames, openReport, placedRows, readAxes,
     readPoints,
 } from './browser.mjs';
+import { shortName } from '../../chart_page/src/short_name.js';
 
 const LEVELS = example('four_levels/result.json');
 const NEAR = 0.75;  // pixels: ticks are read to tenths
@@ -111,7 +112,7 @@ test('the list sorts by a column with missing values last, and the filter by tim
     const { page, model: { results: [{ rows }] } } = await openReport(t, LEVELS);
     for (const sign of [-1, 1]) {
         await page.click('[data-column=performance]');
-        const texts = await page.$$eval('.grid-row .cell:nth-child(5)', (cells) => cells
+        const texts = await page.$$eval('.grid-row .cell:nth-child(7)', (cells) => cells
             .map((cell) => cell.textContent));
         const known = texts.filter((text) => text !== 'N/A').map(Number);
         assert.deepEqual(known, [...known].sort((a, b) => sign * (a - b)));
@@ -139,8 +140,9 @@ test('the saved pictures and table hold what is seen', async (t) => {
     const [head, ...lines] = csv.split('\r\n').map((line) => line.split(','));
     assert.equal(lines.length, result.rows.id.length);
     for (const line of lines)
-        assert.equal(Number(line[head.indexOf('Share')]),
-            result.rows.share[result.rows.name.indexOf(line[0])]);
+        for (const [caption, member] of [['Share [fraction]', 'share'], ['Speed-up', 'speedUp']])
+            assert.equal(Number(line[head.indexOf(caption)]),
+                result.rows[member][result.rows.name.indexOf(line[0])] ?? 0);
 });
 
 test('names stay text, whatever they hold', async (t) => {
@@ -188,4 +190,40 @@ test('a comparison draws its pairs as arrows and lists changes and rows of one s
     assert.equal((await listedNames(page))[0], base.rows.name[greatest.base]);
     await page.locator('.grid-row').first().click();
     assert.match(await page.locator('.details p.change').textContent(), new RegExp(`${greatest.change}$`));
+});
+
+test('a verdict of more than the point says so in card, details and table', async (t) => {
+    const { page, model: { results: [{ rows, dictionary }] } } = await openReport(t,
+        example('quick/result.json'));
+    const row = rows.name.indexOf('[loop in solve at solve.cpp:40]');
+    const doubt = dictionary[rows.doubt[row]];
+    const { x, y, width, height } = await page.locator(`.points > path[data-row="${row}"]`).boundingBox();
+    await page.mouse.move(x + width / 2, y + height / 2);
+    assert.match(await page.locator('.chart-card').textContent(),
+        new RegExp(`${dictionary[rows.limit[row]]}: [\\d.]+ % reached \\(.*${doubt}\\)`));
+    await page.locator(`#row-${row}`).click();
+    assert.match(await page.locator('.details .warning').textContent(), /the row with all that it calls\.$/);
+    await page.fill('#search', rows.name[row]);  // counts at once
+    const csv = (await saved(page, 'csv')).toString().trimEnd().split('\r\n');
+    assert.deepEqual([csv.length, csv[1].split(',')[csv[0].split(',').indexOf('Remark')]], [2, doubt]);
+});
+
+test('arrow keys choose among options, and sorting by key keeps the focus', async (t) => {
+    const { page } = await openReport(t, LEVELS);
+    const focused = () => page.evaluate(() => document.activeElement.textContent);
+    await page.locator('[role=radio]', { hasText: /^Float$/ }).focus();
+    await page.keyboard.press('ArrowRight');
+    await page.locator('[role=radio][aria-checked=true]', { hasText: /^Integer$/ }).waitFor();
+    assert.equal(await focused(), 'Integer');
+    await page.locator('[data-column=time]').press('Enter');
+    await page.waitForSelector('[aria-sort=descending] [data-column=time]');
+    assert.equal(await focused(), 'Time [s]');
+});
+
+test('a short name drops what stands around a C++ name, and leaves other names alone', () => {
+    for (const [name, short] of [['void scale<a<b>, 8u>(a<b>, int) const', 'scale<a<b>, 8u>'],
+        ['[loop in void f<int>(int) at a.cpp:3]', '[loop in f<int> at a.cpp:3]'],
+        ['bool operator<(A const&, B const&)', 'operator<'], ['loop (x[0])', 'loop (x[0])'],
+        ['std::v<int>& (anonymous namespace)::f(int (*)(int))', '(anonymous namespace)::f']])
+        assert.equal(shortName(name), short);
 });

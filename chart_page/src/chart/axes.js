@@ -4,11 +4,26 @@ import { makeTicks, shownBounds } from './scales.js';
 
 const TICK_GAP = 8;
 
-/** @param {string} text @param {number|null} power @returns {(Node|string)[]} */
-const numberParts = (text, power) =>
+/** @typedef {import('./scales.js').Tick} Tick */
+
+/** @param {Tick} tick @returns {(Node|string)[]} */
+const numberParts = ({ text, power }) =>
     power === null
         ? [text]
         : [text, svg('tspan', { class: 'axis-power', dy: '-0.45em' }, String(power).replace('-', '\u2212'))];
+
+/**
+ * @param {Tick[]} ticks
+ * @param {(tick: Tick) => Record<string, string|number>} placeOf attributes
+ * @returns {Node[]}
+ */
+const numbersOf = (ticks, placeOf) =>
+    ticks
+        .filter((tick) => tick.text)
+        .map((tick) => {
+            const name = tick.major ? 'axis-number' : 'axis-number axis-between';
+            return svg('text', { class: name, ...placeOf(tick) }, ...numberParts(tick));
+        });
 
 export class Axes {
     /** @param {SVGGElement} grid inside the clipped plot @param {SVGGElement} outside */
@@ -47,35 +62,20 @@ export class Axes {
         this.m_minor.setAttribute('d', lines(false));
         this.m_major.setAttribute('d', lines(true));
 
-        const texts = [];
-        for (const { log, text, power, major } of ticksX) {
-            if (!text) continue;
-            const place = {
+        this.m_numbers.replaceChildren(
+            ...numbersOf(ticksX, ({ log }) => ({
                 x: px(map.ax * log + map.bx),
                 y: size.height + TICK_GAP,
                 dy: '0.71em',
                 'text-anchor': 'middle',
-            };
-            texts.push(
-                svg(
-                    'text',
-                    { class: major ? 'axis-number' : 'axis-number axis-between', ...place },
-                    ...numberParts(text, power),
-                ),
-            );
-        }
-        for (const { log, text, power, major } of ticksY) {
-            if (!text) continue;
-            const place = { x: -TICK_GAP, y: px(map.ay * log + map.by), dy: '0.32em', 'text-anchor': 'end' };
-            texts.push(
-                svg(
-                    'text',
-                    { class: major ? 'axis-number' : 'axis-number axis-between', ...place },
-                    ...numberParts(text, power),
-                ),
-            );
-        }
-        this.m_numbers.replaceChildren(...texts);
+            })),
+            ...numbersOf(ticksY, ({ log }) => ({
+                x: -TICK_GAP,
+                y: px(map.ay * log + map.by),
+                dy: '0.32em',
+                'text-anchor': 'end',
+            })),
+        );
         this.m_nameX.setAttribute('transform', `translate(${px(size.width / 2)},${px(size.height + 40)})`);
         this.m_nameY.setAttribute('transform', `translate(-48,${px(size.height / 2)})rotate(-90)`);
     }

@@ -1,5 +1,6 @@
 // The card with a point's or a roof's figures beside the cursor.
-import { html } from './dom.js';
+import { make } from '../dom.js';
+import { visible } from './dom.js';
 
 const AWAY = 14; // pixels from the cursor
 
@@ -7,7 +8,7 @@ export class HoverCard {
     /** @param {HTMLElement} container */
     constructor(container) {
         this.m_container = container;
-        this.m_card = html('div', { class: 'chart-card', role: 'tooltip', hidden: '' });
+        this.m_card = make('div.chart-card', { role: 'tooltip', hidden: true });
         container.append(this.m_card);
     }
 
@@ -17,21 +18,34 @@ export class HoverCard {
      * @param {number} y
      */
     show(lines, x, y) {
-        const [head, ...rest] = lines;
+        const [head = '', ...rest] = lines.map(visible);
         this.m_card.replaceChildren(
-            html('strong', {}, head ?? ''),
-            ...rest.map((line) => html('div', {}, line)),
+            make('strong', null, head),
+            ...rest.map((line) => make('div', null, line)),
         );
         this.m_card.hidden = false;
         const { offsetWidth: width, offsetHeight: height } = this.m_card;
-        const { clientWidth: roomX, clientHeight: roomY } = this.m_container;
-        const left = x + AWAY + width > roomX ? x - AWAY - width : x + AWAY;
-        const top = y + AWAY + height > roomY ? y - AWAY - height : y + AWAY;
-        this.m_card.style.left = `${Math.max(0, Math.min(left, roomX - width))}px`;
-        this.m_card.style.top = `${Math.max(0, Math.min(top, roomY - height))}px`;
+        const frame = this.m_container.getBoundingClientRect();
+        const left = placed(x, width, -frame.left, Math.min(frame.width, innerWidth - frame.left));
+        const top = placed(y, height, -frame.top, Math.min(frame.height, innerHeight - frame.top));
+        this.m_card.style.left = `${left}px`;
+        this.m_card.style.top = `${top}px`;
     }
 
     hide() {
         this.m_card.hidden = true;
     }
+}
+
+/**
+ * Where the card begins along an axis: after the cursor, else before it; in the chart and in sight of the
+ * window.
+ * @param {number} cursor pixels in the chart
+ * @param {number} length of the card
+ * @param {number} windowStart
+ * @param {number} end of what is in sight of the chart
+ */
+function placed(cursor, length, windowStart, end) {
+    const start = cursor + AWAY + length > end ? cursor - AWAY - length : cursor + AWAY;
+    return Math.max(0, windowStart, Math.min(start, end - length));
 }

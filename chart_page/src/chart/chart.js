@@ -6,7 +6,6 @@ import { Layers } from './layers.js';
 import { drawLegend } from './legend.js';
 import { standaloneSvg, toPng } from './picture.js';
 import { aimOf, linesOf } from './pointer.js';
-import { homeBounds, makeMapping, pointBounds } from './scales.js';
 import { Stage } from './stage.js';
 import { Zoom } from './zoom.js';
 
@@ -35,8 +34,6 @@ class InteractiveChart {
         this.m_pinned = null;
         /** @type {Mark|null} reached by keys or cursor */
         this.m_current = null;
-        this.m_homeKey = '';
-        this.m_home = { minX: 0, maxX: 1, minY: 0, maxY: 1 };
         this.m_frame = 0;
         this.m_moving = false;
 
@@ -48,14 +45,11 @@ class InteractiveChart {
             onChange: () => this.m_schedule(),
             onMoving: (moving) => this.m_setMoving(moving),
         });
-        this.m_buttons = {
-            page_chart_zoom_in: stage.addButton('+', () => this.m_zoom.scale(BUTTON_ZOOM)),
-            page_chart_zoom_out: stage.addButton('\u2212', () => this.m_zoom.scale(1 / BUTTON_ZOOM)),
-            page_chart_zoom_reset: stage.addButton('\u21ba', () => this.resetZoom()),
-        };
+        stage.addButton('page_chart_zoom_in', '+', () => this.m_zoom.scale(BUTTON_ZOOM));
+        stage.addButton('page_chart_zoom_out', '\u2212', () => this.m_zoom.scale(1 / BUTTON_ZOOM));
+        stage.addButton('page_chart_zoom_reset', '\u21ba', () => this.resetZoom());
         this.m_listen();
-        this.m_resizes = new ResizeObserver(() => this.m_layOut());
-        this.m_resizes.observe(stage.root);
+        new ResizeObserver(() => this.m_layOut()).observe(stage.root);
     }
 
     get m_points() {
@@ -112,31 +106,12 @@ class InteractiveChart {
         this.m_layers.setView(view);
         this.m_current = this.m_current && (this.m_points.byKey.get(this.m_current.point.key) ?? null);
         this.m_lane.setRows(view);
-        this.m_setTexts(view);
+        this.m_stage.setTexts(view);
         this.m_hovered = view.hovered;
         this.m_pinned = view.pinned;
 
-        const homeKey = JSON.stringify([view.axes, view.bounds, pointBounds(view)]);
-        if (homeKey !== this.m_homeKey) {
-            this.m_homeKey = homeKey;
-            this.m_home = homeBounds(view);
-            this.m_zoom.reset();
-        }
+        this.m_zoom.fit(view);
         this.m_layOut();
-    }
-
-    /** @param {View} view */
-    m_setTexts({ texts, points, roofs, message }) {
-        const shown = roofs.filter((roof) => !roof.hidden).length;
-        this.m_stage.setTexts({
-            label: texts('page_chart_label', points.length, shown),
-            help: texts('page_chart_keys'),
-            message: points.length ? '' : message,
-        });
-        for (const [id, button] of Object.entries(this.m_buttons)) {
-            button.title = texts(id);
-            button.setAttribute('aria-label', texts(id));
-        }
     }
 
     m_layOut() {
@@ -157,8 +132,7 @@ class InteractiveChart {
         cancelAnimationFrame(this.m_frame);
         this.m_frame = 0;
         if (!this.m_view) return;
-        const map = makeMapping(this.m_home, this.m_stage.size, this.m_zoom.transform);
-        this.m_layers.draw(map, !this.m_moving, this.m_pinned);
+        this.m_layers.draw(this.m_zoom.map, !this.m_moving, this.m_pinned);
         this.m_emphasise();
     }
 
@@ -192,7 +166,7 @@ class InteractiveChart {
         const aim = aimOf(event, this.m_stage, this.m_layers, this.m_lane, this.m_view);
         this.m_stage.pane.classList.toggle('meant', Boolean(aim.mark || aim.total || aim.roof));
         this.m_meet(aim.mark, aim.unplaced?.row ?? null);
-        const lines = linesOf(aim);
+        const lines = linesOf(aim, this.m_view.texts);
         if (lines) this.m_card.show(lines, aim.x, aim.y);
     }
 
@@ -213,13 +187,8 @@ class InteractiveChart {
     /** @param {MouseEvent} event */
     m_click(event) {
         if (!this.m_view) return;
-        const { mark, unplaced, total, roof, inside } = aimOf(
-            event,
-            this.m_stage,
-            this.m_layers,
-            this.m_lane,
-            this.m_view,
-        );
+        const aim = aimOf(event, this.m_stage, this.m_layers, this.m_lane, this.m_view);
+        const { mark, unplaced, total, roof, inside } = aim;
         const row = mark?.point.row ?? unplaced?.row ?? null;
         if (row !== null) this.m_callbacks.onPin(row);
         else if (roof) this.m_callbacks.onRoof(roof.key);
@@ -240,7 +209,6 @@ class InteractiveChart {
     }
 
     resetZoom() {
-        if (this.m_view) this.m_home = homeBounds(this.m_view);
         this.m_zoom.reset();
         this.m_draw();
     }
@@ -263,12 +231,5 @@ class InteractiveChart {
 
     exportPng() {
         return toPng(this.m_picture(), PNG_SCALE);
-    }
-
-    destroy() {
-        cancelAnimationFrame(this.m_frame);
-        this.m_resizes.disconnect();
-        this.m_zoom.destroy();
-        this.m_stage.root.remove();
     }
 }

@@ -1,4 +1,4 @@
-// Makes SVG and HTML elements; texts of the data only ever become text nodes.
+// Makes SVG elements, whose texts only ever become text nodes, and measures and cuts texts.
 
 const SVG = 'http://www.w3.org/2000/svg';
 
@@ -10,19 +10,6 @@ const SVG = 'http://www.w3.org/2000/svg';
  */
 export function svg(tag, attributes = {}, ...children) {
     const element = document.createElementNS(SVG, tag);
-    for (const name in attributes) element.setAttribute(name, String(attributes[name]));
-    element.append(...children);
-    return element;
-}
-
-/**
- * @param {string} tag
- * @param {Record<string, string|number>} [attributes]
- * @param {...(Node|string)} children
- * @returns {any}
- */
-export function html(tag, attributes = {}, ...children) {
-    const element = document.createElement(tag);
     for (const name in attributes) element.setAttribute(name, String(attributes[name]));
     element.append(...children);
     return element;
@@ -67,19 +54,35 @@ export function textWidth(text, size = MEASURED_SIZE, weight = 400) {
     return (width * size) / MEASURED_SIZE;
 }
 
+const HEAD = 0.6; // of what a cut text keeps, the part before the ellipsis
+// Invisible characters that turn the order of others around, and controls other than white space.
+const UNSEEN = /[\u0000-\u0008\u000e-\u001f\u007f-\u009f\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]/g;
+
+/** A text of the data in which each character is seen, in its place. @param {string} text */
+export const visible = (text) => text.replace(UNSEEN, '\ufffd');
+
 /**
- * The text, cut with an ellipsis to at most so many pixels.
+ * The visible text, cut to at most so many pixels. The ellipsis stands in its middle: names that begin alike
+ * differ at their ends.
  * @param {string} text
  * @param {number} room
  * @param {number} [size]
+ * @param {400|600} [weight]
  */
-export function shorten(text, room, size = MEASURED_SIZE) {
-    if (textWidth(text, size) <= room) return text;
-    let [fits, tooLong] = [0, text.length];
+export function shorten(text, room, size = MEASURED_SIZE, weight = 400) {
+    const whole = visible(text);
+    if (textWidth(whole, size, weight) <= room) return whole;
+    const characters = [...whole];
+    const cut = (/** @type {number} */ length) => {
+        const head = Math.ceil(length * HEAD);
+        const tail = characters.slice(characters.length - length + head);
+        return `${characters.slice(0, head).join('').trimEnd()}\u2026${tail.join('').trimStart()}`;
+    };
+    let [fits, tooLong] = [0, characters.length];
     while (tooLong - fits > 1) {
         const middle = (fits + tooLong) >> 1;
-        if (textWidth(`${text.slice(0, middle)}\u2026`, size) <= room) fits = middle;
+        if (textWidth(cut(middle), size, weight) <= room) fits = middle;
         else tooLong = middle;
     }
-    return `${text.slice(0, fits).trimEnd()}\u2026`;
+    return cut(fits);
 }

@@ -1,5 +1,6 @@
 // The lane at the lower edge: rows that have no place on the chart, grouped by cause.
-import { html, px, shorten, svg, textWidth } from './dom.js';
+import { make } from '../dom.js';
+import { px, shorten, svg, textWidth, visible } from './dom.js';
 
 /** @typedef {import('./view.js').Unplaced} Unplaced */
 /** @typedef {{cause: string, rows: Unplaced[]}} Group */
@@ -7,7 +8,8 @@ import { html, px, shorten, svg, textWidth } from './dom.js';
 const LINE = 20; // pixels
 const MOST_LINES = 3;
 const STEP = 12; // from mark to mark
-const TITLE_ROOM = 110;
+const TITLE_SIZE = 11;
+const TITLE_GAP = 8;
 
 /** @param {Unplaced[]} rows @returns {Group[]} the largest first */
 function grouped(rows) {
@@ -33,7 +35,7 @@ export class Lane {
     constructor(group, container, onPin) {
         this.m_group = group;
         this.m_onPin = onPin;
-        this.m_list = html('div', { class: 'chart-list', hidden: '', role: 'dialog' });
+        this.m_list = make('div.chart-list', { hidden: true, role: 'dialog' });
         container.append(this.m_list);
         /** @type {Group[]} */
         this.m_groups = [];
@@ -69,8 +71,15 @@ export class Lane {
         return this.m_groups.flatMap((group) => group.rows).find((entry) => entry.row === index) ?? null;
     }
 
-    /** @param {number} left @param {number} top @param {number} width pixels */
-    draw(left, top, width) {
+    /**
+     * @param {number} plotLeft where the lines begin, unless the title needs more room
+     * @param {number} top
+     * @param {number} plotWidth pixels
+     */
+    draw(plotLeft, top, plotWidth) {
+        const title = this.m_texts('page_chart_lane_title');
+        const left = Math.max(plotLeft, Math.ceil(textWidth(title, TITLE_SIZE)) + 2 * TITLE_GAP);
+        const width = plotWidth - (left - plotLeft);
         const whole = this.m_groups.length <= MOST_LINES;
         const lines = whole ? this.m_groups : this.m_groups.slice(0, MOST_LINES - 1);
         const rest = this.m_groups.slice(lines.length);
@@ -84,20 +93,9 @@ export class Lane {
             parts.push(...this.m_line(rows, caption, left, top + (lines.length + 0.5) * LINE, width));
         }
         if (parts.length) {
-            const title = this.m_texts('page_chart_lane_title');
-            parts.unshift(
-                svg(
-                    'text',
-                    {
-                        class: 'lane-title',
-                        x: px(left - 8),
-                        y: px(top + LINE / 2),
-                        dy: '0.35em',
-                        'text-anchor': 'end',
-                    },
-                    shorten(title, Math.min(TITLE_ROOM, left - 10), 11),
-                ),
-            );
+            const [x, y] = [px(left - TITLE_GAP), px(top + LINE / 2)];
+            const looks = { class: 'lane-title', dy: '0.35em', 'text-anchor': 'end' };
+            parts.unshift(svg('text', { ...looks, x, y }, title));
         }
         this.m_group.replaceChildren(...parts);
     }
@@ -177,24 +175,19 @@ export class Lane {
      */
     m_open(rows, caption, opener, bottom) {
         this.m_opener = opener;
-        const close = html(
-            'button',
-            { class: 'chart-list-close', type: 'button', 'aria-label': this.m_texts('page_chart_close') },
-            '\u00d7',
-        );
-        close.addEventListener('click', () => this.close());
-        const entries = html(
-            'ul',
-            {},
-            ...rows.map((entry) => {
-                const button = html('button', { type: 'button', 'data-unplaced': entry.row }, entry.name);
-                button.title = entry.cause;
-                button.addEventListener('click', () => this.m_onPin(entry.row));
-                return html('li', {}, button);
-            }),
-        );
+        const close = make('button.chart-list-close', {
+            type: 'button',
+            'aria-label': this.m_texts('page_chart_close'),
+            onclick: () => this.close(),
+        }, '\u00d7');
+        const entries = make('ul', null, ...rows.map((entry) => make('li', null, make('button', {
+            type: 'button',
+            title: entry.cause,
+            'data-unplaced': entry.row,
+            onclick: () => this.m_onPin(entry.row),
+        }, visible(entry.name)))));
         this.m_list.replaceChildren(
-            html('div', { class: 'chart-list-head' }, html('strong', {}, caption), close),
+            make('div.chart-list-head', null, make('strong', null, caption), close),
             entries,
         );
         this.m_list.setAttribute('aria-label', caption);

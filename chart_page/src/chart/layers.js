@@ -13,7 +13,7 @@ export class Layers {
     constructor(stage) {
         this.m_stage = stage;
         this.m_axes = new Axes(stage.grid, stage.axes);
-        this.roofs = new RoofLayer(stage.roofs, stage.hits, stage.roofLabels);
+        this.roofs = new RoofLayer(stage.roofs, stage.traces, stage.hits, stage.roofLabels);
         this.points = new PointLayer(stage.points);
         this.m_overlays = new Overlays(stage.under, stage.over, this.points);
         /** @type {View|null} */
@@ -41,7 +41,7 @@ export class Layers {
         const { marks } = this.points;
         this.m_axes.draw(map, size);
         this.points.draw(map, rest);
-        const lines = this.roofs.draw(map, size);
+        const lines = this.roofs.draw(map, size, this.points.isCloud);
 
         // Who is placed first has the choice: totals, roofs, then names.
         const placer = new LabelPlacer(size);

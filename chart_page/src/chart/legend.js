@@ -1,7 +1,7 @@
 // Tells what shapes, colours and sizes mean; only those that occur in the view.
 import { svg, textWidth, translate } from './dom.js';
 import { hasHole, LEAST_SHARE, levelSlots, limitInk, outline, radiusOf } from './marks.js';
-import { arrowPath, CHANGES } from './overlays.js';
+import { arrowPath, CHANGES, TOTAL } from './overlays.js';
 
 /** @typedef {import('./view.js').View} View */
 /** @typedef {{mark: Node, width: number, text: string}} Item width: of the mark */
@@ -10,87 +10,111 @@ const LINE = 24; // pixels; room for the largest of the sizes
 const GAP = 18;
 const SIZE_STEPS = [0.2, 0.1, 0.05, 0.03];
 const SIZES = 2; // of them that are shown
+const SIDES = /** @type {const} */ (['base', 'new']);
+
+/**
+ * @param {string} className
+ * @param {number} slot
+ * @param {string} text
+ * @param {{radius?: number, hole?: boolean}} [look]
+ * @returns {Item}
+ */
+const pointItem = (className, slot, text, { radius = 5.5, hole = false } = {}) => ({
+    mark: svg('path', { class: `point ${className}`, d: `M0,0${outline(slot, radius, hole)}` }),
+    width: 2 * Math.max(6, radius),
+    text,
+});
+
+/**
+ * A point that stands for several levels has the captions of all; the shortest is the level's own.
+ * @param {View} view
+ * @param {string} level
+ */
+const levelCaption = ({ points }, level) =>
+    points
+        .filter((point) => point.level === level)
+        .map((point) => point.levelCaption)
+        .reduce((least, other) => (least && least.length <= other.length ? least : other), '') || level;
 
 /** @param {View} view @returns {Item[]} */
-function makeItems(view) {
-    const { texts, points } = view;
-    const item = (
-        /** @type {string} */ className,
-        /** @type {number} */ slot,
-        /** @type {string} */ text,
-        radius = 5.5,
-        hole = false,
-    ) => ({
-        mark: svg('path', { class: `point ${className}`, d: `M0,0${outline(slot, radius, hole)}` }),
-        width: 2 * Math.max(6, radius),
-        text,
-    });
-    const items = [];
-
-    const byLimit = view.colourBy === 'limit';
+function levelItems(view) {
+    const isByLimit = view.colourBy === 'limit';
     const slots = levelSlots(view);
-    if (slots.size > 1 || (!byLimit && !slots.has('')))
-        for (const [level, slot] of slots) {
-            // A point that stands for several levels has the captions of all; the shortest is the level's
-            // own.
-            const caption =
-                points
-                    .filter((point) => point.level === level)
-                    .reduce(
-                        (least, { levelCaption: other }) =>
-                            least && least.length <= other.length ? least : other,
-                        '',
-                    ) || level;
-            if (caption) items.push(item(byLimit ? 'ink-neutral' : `ink-${slot}`, slot, caption));
-        }
-    if (byLimit)
-        for (const kind of /** @type {const} */ (['memory', 'compute', '']))
-            if (points.some((point) => point.limitKind === kind)) {
-                const slot = slots.size === 1 ? [...slots.values()][0] : 0;
-                items.push(item(limitInk(kind), slot, texts(`page_chart_legend_${kind || 'no_limit'}`)));
-            }
+    if (slots.size < 2 && (isByLimit || slots.has(''))) return [];
+    return [...slots]
+        .map(([level, slot]) =>
+            pointItem(isByLimit ? 'ink-neutral' : `ink-${slot}`, slot, levelCaption(view, level)),
+        )
+        .filter(({ text }) => text);
+}
 
-    for (const side of /** @type {const} */ (['base', 'new']))
-        if (points.some((point) => point.side === side))
-            items.push(item(`ink-neutral ${side}`, 0, texts(`page_chart_legend_${side}`)));
-    for (const change of CHANGES) {
-        if (!view.arrows.some((arrow) => arrow.change === change)) continue;
-        const d = arrowPath({ x: -14, y: 0, radius: 0 }, { x: 14, y: 0, radius: 0 }, change === 'faster');
-        items.push({
-            mark: svg('path', { class: `arrow ${change}`, d }),
+/** @param {View} view @returns {Item[]} */
+function limitItems(view) {
+    if (view.colourBy !== 'limit') return [];
+    const slots = [...levelSlots(view).values()];
+    return /** @type {const} */ (['memory', 'compute', ''])
+        .filter((kind) => view.points.some((point) => point.limitKind === kind))
+        .map((kind) =>
+            pointItem(
+                limitInk(kind),
+                slots.length === 1 ? slots[0] : 0,
+                view.texts(`page_chart_legend_${kind || 'no_limit'}`),
+            ),
+        );
+}
+
+/** @param {View} view @returns {Item[]} */
+function comparisonItems({ points, arrows, texts }) {
+    const sides = SIDES.filter((side) => points.some((point) => point.side === side));
+    const changes = CHANGES.filter((change) => arrows.some((arrow) => arrow.change === change));
+    const shaft = /** @type {const} */ ([
+        { x: -14, y: 0, radius: 0 },
+        { x: 14, y: 0, radius: 0 },
+    ]);
+    return [
+        ...sides.map((side) => pointItem(`ink-neutral ${side}`, 0, texts(`page_chart_legend_${side}`))),
+        ...changes.map((change) => ({
+            mark: svg('path', { class: `arrow ${change}`, d: arrowPath(...shaft, change === 'faster') }),
             width: 28,
             text: texts(`page_chart_change_${change}`),
-        });
-    }
-    if (points.some(hasHole))
-        items.push(item('ink-neutral', 0, texts('page_chart_legend_vectorised'), 5.5, true));
+        })),
+    ];
+}
 
-    const greatest = Math.max(0, ...points.map((point) => point.share ?? 0));
-    for (const share of SIZE_STEPS.filter((step) => step <= greatest).slice(0, SIZES))
-        items.push(
-            item(
-                'ink-neutral',
-                0,
-                texts('page_chart_legend_share', Math.round(share * 100)),
-                radiusOf(share),
-            ),
-        );
+/** @param {View} view @returns {Item[]} */
+function sizeItems({ points, texts }) {
+    const greatest = points.reduce((most, point) => Math.max(most, point.share ?? 0), 0);
+    const item = (/** @type {string} */ id, /** @type {number} */ share, radius = radiusOf(share)) =>
+        pointItem('ink-neutral', 0, texts(id, Math.round(share * 100)), { radius });
+    const items = SIZE_STEPS.filter((step) => step <= greatest)
+        .slice(0, SIZES)
+        .map((share) => item('page_chart_legend_share', share));
     if (greatest > LEAST_SHARE && points.some((point) => (point.share ?? 0) < LEAST_SHARE))
-        items.push(
-            item(
-                'ink-neutral',
-                0,
-                texts('page_chart_legend_least', Math.round(LEAST_SHARE * 100)),
-                radiusOf(0),
-            ),
-        );
-
-    if (view.totals.length) {
-        const mark = svg('path', { class: 'total', d: 'M0,-7L7,0L0,7L-7,0Z' });
-        items.push({ mark, width: 14, text: texts('page_chart_legend_total') });
-    }
+        items.push(item('page_chart_legend_least', LEAST_SHARE, radiusOf(0)));
     return items;
 }
+
+/** @param {View} view @returns {Item[]} */
+const totalItems = ({ totals, texts }) =>
+    /** @type {const} */ (['', ...SIDES])
+        .filter((side) => totals.some((total) => (total.side ?? '') === side))
+        .map((side) => ({
+            mark: svg('path', { class: `total ${side}`, d: TOTAL }),
+            width: 16,
+            text: texts(`page_chart_legend_total${side && `_${side}`}`),
+        }));
+
+/** @param {View} view @returns {Item[]} */
+const makeItems = (view) => [
+    ...levelItems(view),
+    ...limitItems(view),
+    ...comparisonItems(view),
+    ...(view.points.some(hasHole)
+        ? [pointItem('ink-neutral', 0, view.texts('page_chart_legend_vectorised'), { hole: true })]
+        : []),
+    ...sizeItems(view),
+    ...totalItems(view),
+];
 
 /**
  * Fills the group and tells its height.

@@ -4,7 +4,9 @@ import { makeBox } from './labels.js';
 import { placesAround } from './overlays.js';
 
 const MOST = 16;
+const SIZE = 11.5; // pixels of the font
 const ROOM = 240; // pixels that a name may take
+const PINNED = [4, 20, 36, 52, 68]; // distances from its rim at which a pinned name may stand
 const CROWDED = 20; // cost of lines and points under a name from which it is left out
 const LARGE = 6; // radius from which a point keeps names off itself
 
@@ -35,6 +37,18 @@ function chosen(marks, { width, height }, pinned) {
 }
 
 /**
+ * @param {number} x
+ * @param {number} y
+ * @param {number} width
+ * @param {number[]} distances the most wanted first
+ */
+function* places(x, y, width, distances) {
+    for (const [i, distance] of distances.entries())
+        for (const { box, cost } of placesAround(x, y, distance, width))
+            yield { box, cost: cost + i * CROWDED };
+}
+
+/**
  * @param {SVGGElement} group
  * @param {Mark[]} marks by share, the greatest first
  * @param {import('./scales.js').Size} size
@@ -47,9 +61,11 @@ export function drawNames(group, marks, size, pinned, placer) {
     group.replaceChildren(
         ...chosen(marks, size, pinned).flatMap(({ point, x, y, radius }) => {
             const strong = point.row === pinned;
-            const text = shorten(point.name, ROOM);
+            const weight = strong ? 600 : 400;
+            const distances = strong ? PINNED.map((distance) => radius + distance) : [radius];
+            const text = shorten(point.name, ROOM, SIZE, weight);
             const place = placer.place(
-                placesAround(x, y, radius + (strong ? 4 : 0), textWidth(text, 11.5, strong ? 600 : 400) + 4),
+                places(x, y, textWidth(text, SIZE, weight) + 4, distances),
                 { limit: strong ? Infinity : CROWDED },
             );
             if (!place) return [];

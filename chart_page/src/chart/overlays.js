@@ -13,7 +13,12 @@ const HEAD = 7; // pixels: length of an arrow's head
 const SHORTEST = 4; // an arrow between rims that are nearer isn't drawn
 const MANY = 300; // arrows from which labels don't mind them
 const TOTAL_ROOM = 200;
-const TOTAL = 'M0,-8L8,0L0,8L-8,0Z';
+/** The outline of a total. */
+export const TOTAL = 'M0,-8L8,0L0,8L-8,0Z';
+
+/** @param {import('./view.js').Total} total @param {View['texts']} texts */
+export const totalName = ({ name }, texts) =>
+    name ? texts('page_chart_total', name) : texts('page_chart_legend_total');
 
 /**
  * From rim to rim; the head is filled for faster, open for all others.
@@ -112,7 +117,7 @@ export class Overlays {
             const [x, y] = [map.ax * total.x + map.bx, map.ay * total.y + map.by];
             this.m_totals.children[i].setAttribute('transform', translate(x, y));
             placer.block(makeBox(x, y, 16, 16));
-            const name = shorten(total.name, TOTAL_ROOM);
+            const name = shorten(totalName(total, view.texts), TOTAL_ROOM, 12, 600);
             const place = placer.place(placesAround(x, y, 9, textWidth(name, 12, 600) + 4));
             return place
                 ? [

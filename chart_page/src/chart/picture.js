@@ -1,6 +1,6 @@
 // Exports what is seen: a standalone SVG text, and the same as PNG.
 
-import { svg, translate } from './dom.js';
+import { shorten, svg, translate } from './dom.js';
 
 // Presentation attributes that the style sheet decides, with the values that need no mention.
 const PROPERTIES = {
@@ -23,6 +23,8 @@ const DROPPED = '.roof-hits, .catch';
 // Characters that names may hold and XML may not, half surrogate pairs among them.
 const NO_XML = /[\u0000-\u0008\u000b\u000c\u000e-\u001f\ufffe\uffff]|\p{Surrogate}/gu;
 const HEAD = 34; // pixels above the chart for the title
+const EDGE = 14; // beside it
+const TITLE_SIZE = 17;
 
 /** @typedef {{text: string, width: number, height: number}} Picture */
 /**
@@ -51,8 +53,8 @@ export function standaloneSvg({ parts, size, title, unseen }) {
         whole.append(
             svg(
                 'text',
-                { x: 14, y: HEAD - 10, 'font-size': 17, 'font-weight': 600, fill: style.color },
-                title,
+                { x: EDGE, y: HEAD - 10, 'font-size': TITLE_SIZE, 'font-weight': 600, fill: style.color },
+                shorten(title, width - 2 * EDGE, TITLE_SIZE, 600),
             ),
         );
     const body = parts.map(({ source, place }) => svg('g', place, ...copies(source, style, unseen)));

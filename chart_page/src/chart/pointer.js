@@ -1,4 +1,5 @@
 // What the cursor means: a point before a row of the lane before a total before a roof.
+import { totalName } from './overlays.js';
 
 /**
  * @typedef {object} Aim
@@ -36,11 +37,15 @@ export function aimOf(event, { svg, left, top, size }, layers, lane, view) {
     };
 }
 
-/** @param {Aim} aim @returns {string[]|null} lines of the card, null for none */
-export function linesOf({ mark, unplaced, total, roof }) {
+/**
+ * @param {Aim} aim
+ * @param {import('./view.js').View['texts']} texts
+ * @returns {string[]|null} lines of the card, null for none
+ */
+export function linesOf({ mark, unplaced, total, roof }, texts) {
     if (mark) return mark.point.lines;
     if (unplaced) return [unplaced.name, unplaced.cause];
-    if (total) return [total.name, total.description].filter(Boolean);
+    if (total) return [totalName(total, texts), total.description].filter(Boolean);
     if (roof) return [`${roof.name}: ${roof.valueText}`, roof.description].filter(Boolean);
     return null;
 }

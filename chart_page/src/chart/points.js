@@ -53,13 +53,18 @@ export class PointLayer {
         }
         this.m_fit(this.marks.length);
         this.m_drawn = null;
-        this.m_group.classList.toggle('many', this.marks.length > MANY);
+        this.m_group.classList.toggle('many', this.isCloud);
         this.marks.forEach(({ point, slot }, i) => {
             const element = this.m_elements[i];
             set(element, 'class', pointClass(point, view.colourBy, slot));
             set(element, 'data-row', String(point.row));
             set(element, 'data-key', point.key);
         });
+    }
+
+    /** Whether the points are so many that they hide each other and what lies below. */
+    get isCloud() {
+        return this.marks.length > MANY;
     }
 
     /** @param {number} count */

@@ -51,14 +51,18 @@ export function roofLines(roofs, map, size) {
 export class RoofLayer {
     /**
      * @param {SVGGElement} lines
+     * @param {SVGGElement} traces the lines once more, over the points
      * @param {SVGGElement} hits what the cursor meets
      * @param {SVGGElement} labels
      */
-    constructor(lines, hits, labels) {
+    constructor(lines, traces, hits, labels) {
         this.m_beyond = svg('path', { class: 'roof-beyond' });
         this.m_hits = hits;
         this.m_lines = svg('g', { class: 'roof-lines' });
         lines.append(this.m_beyond, this.m_lines);
+        this.m_halo = svg('path', { class: 'roof-halo' });
+        this.m_traces = svg('g');
+        traces.append(this.m_halo, this.m_traces);
         this.m_labels = labels;
         /** @type {Roof[]} */
         this.m_roofs = [];
@@ -73,9 +77,8 @@ export class RoofLayer {
         );
         const elements = (/** @type {(roof: Roof) => string} */ name) =>
             this.m_roofs.map((roof) => svg('path', { class: name(roof), 'data-roof': roof.key }));
-        this.m_lines.replaceChildren(
-            ...elements((roof) => `roof ${kind(roof)} ${roof.selected ? 'strong' : 'light'}`),
-        );
+        this.m_lines.replaceChildren(...elements((roof) => `roof ${look(roof)}`));
+        this.m_traces.replaceChildren(...elements((roof) => `roof-trace ${look(roof)}`));
         this.m_hits.replaceChildren(...elements(() => 'roof-hit'));
     }
 
@@ -84,14 +87,24 @@ export class RoofLayer {
         return this.m_roofs.find((roof) => roof.key === key) ?? null;
     }
 
-    /** @param {Mapping} map @param {Size} size @returns {Line[]} of the roofs, for labels() */
-    draw(map, size) {
+    /**
+     * @param {Mapping} map
+     * @param {Size} size
+     * @param {boolean} traced whether a cloud of points would hide them
+     * @returns {Line[]} of the roofs, for label()
+     */
+    draw(map, size, traced) {
         const lines = roofLines(this.m_roofs, map, size);
-        lines.forEach((line, i) => {
-            const d = line ? `M${px(line.x1)},${px(line.y1)}L${px(line.x2)},${px(line.y2)}` : '';
+        const paths = lines.map((line) =>
+            line ? `M${px(line.x1)},${px(line.y1)}L${px(line.x2)},${px(line.y2)}` : '',
+        );
+        paths.forEach((d, i) => {
             this.m_lines.children[i].setAttribute('d', d);
             this.m_hits.children[i].setAttribute('d', d);
         });
+        const traces = paths.map((d) => (traced ? d : ''));
+        this.m_halo.setAttribute('d', traces.join(''));
+        traces.forEach((d, i) => this.m_traces.children[i].setAttribute('d', d));
         this.m_beyond.setAttribute('d', this.m_outline(map, size));
         return lines;
     }
@@ -145,7 +158,7 @@ function placeLabel(roof, line, placer) {
     const { box, text, angle } = found;
     const degrees = px((angle * 180) / Math.PI);
     const attributes = {
-        class: `roof-label ${kind(roof)} ${roof.selected ? 'strong' : 'light'}`,
+        class: `roof-label ${look(roof)}`,
         transform: `${translate(box.x, box.y)}rotate(${degrees})`,
         dy: '0.35em',
         'text-anchor': 'middle',
@@ -154,8 +167,9 @@ function placeLabel(roof, line, placer) {
     return svg('text', attributes, text);
 }
 
-/** @param {Roof} roof */
-const kind = (roof) => (roof.isMemory ? 'memory' : 'compute');
+/** @param {Roof} roof @returns {string} classes */
+const look = ({ isMemory, selected }) =>
+    `${isMemory ? 'memory' : 'compute'} ${selected ? 'strong' : 'light'}`;
 
 /**
  * Memory roofs are labelled from their lower end on, compute roofs from the right; above the line rather than

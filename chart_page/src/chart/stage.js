@@ -1,5 +1,6 @@
 // The chart's elements, and where legend, plot and lane lie.
-import { html, setFont, svg, translate } from './dom.js';
+import { make } from '../dom.js';
+import { setFont, svg, translate } from './dom.js';
 
 /** @typedef {import('./scales.js').Size} Size */
 
@@ -17,7 +18,7 @@ export class Stage {
         this.top = MARGIN.top;
         /** @type {Size} of the plot */
         this.size = { width: 1, height: 1 };
-        this.root = html('div', { class: 'chart' });
+        this.root = make('div.chart');
         container.append(this.root);
 
         // Three pictures, one over the other. The middle one holds the points alone: a zoom moves it as it is
@@ -25,13 +26,13 @@ export class Stage {
         this.m_buildBelow(id);
         this.points = group('points');
         this.m_middle = svg('svg', { class: 'chart-points', 'aria-hidden': 'true' }, this.points);
-        this.m_window = html('div', { class: 'chart-window' }, this.m_middle);
+        this.m_window = make('div.chart-window', null, this.m_middle);
         this.m_buildAbove();
         this.root.append(this.m_below, this.m_window, this.svg);
 
-        this.m_help = html('p', { class: 'chart-hidden', id: `${id}-help` });
-        this.m_status = html('p', { class: 'chart-hidden', role: 'status' });
-        this.m_buttons = html('div', { class: 'chart-buttons' });
+        this.m_help = make('p.chart-hidden', { id: `${id}-help` });
+        this.m_status = make('p.chart-hidden', { role: 'status' });
+        this.m_buttons = make('div.chart-buttons');
         this.svg.setAttribute('aria-describedby', this.m_help.id);
         this.root.append(this.m_help, this.m_status, this.m_buttons);
         setFont(getComputedStyle(this.svg).fontFamily);
@@ -59,6 +60,7 @@ export class Stage {
         this.legend = group('legend');
         this.lane = group('lane');
         this.axes = group('axes');
+        this.traces = group('roof-traces');
         this.hits = group('roof-hits');
         this.over = group('over');
         this.roofLabels = group('roof-labels');
@@ -70,7 +72,7 @@ export class Stage {
         this.m_plotFrame = svg('rect', { class: 'plot-frame' });
         this.m_message = svg('text', { class: 'message', 'text-anchor': 'middle' });
         this.pane = group('pane');
-        this.pane.append(this.m_catch, this.m_clipped(this.hits, labels, this.over));
+        this.pane.append(this.m_catch, this.m_clipped(this.traces, this.hits, labels, this.over));
         this.m_plot = svg('g', {}, this.pane, this.m_plotFrame, this.axes, this.m_message);
         this.svg = svg(
             'svg',
@@ -86,24 +88,24 @@ export class Stage {
         return svg('g', { 'clip-path': this.m_clip }, ...parts);
     }
 
-    /** @param {string} text @param {() => void} action @returns {HTMLButtonElement} */
-    addButton(text, action) {
-        const button = html('button', { type: 'button' }, text);
-        button.addEventListener('click', action);
-        this.m_buttons.append(button);
-        return button;
+    /** @param {string} id of its text @param {string} sign @param {() => void} action */
+    addButton(id, sign, action) {
+        this.m_buttons.append(make('button', { type: 'button', 'data-text': id, onclick: action }, sign));
     }
 
-    /**
-     * @param {{label: string, help: string, message: string}} texts message: in place of points, line by line
-     */
-    setTexts({ label, help, message }) {
-        this.svg.setAttribute('aria-label', label);
-        this.m_help.textContent = help;
-        const lines = message ? message.split('\n') : [];
+    /** @param {import('./view.js').View} view */
+    setTexts({ texts, points, roofs, message }) {
+        const shown = roofs.filter((roof) => !roof.hidden).length;
+        this.svg.setAttribute('aria-label', texts('page_chart_label', points.length, shown));
+        this.m_help.textContent = texts('page_chart_keys');
+        const lines = message && !points.length ? message.split('\n') : [];
         this.m_message.replaceChildren(
             ...lines.map((line, i) => svg('tspan', { x: 0, dy: i ? '1.5em' : 0 }, line)),
         );
+        for (const button of this.m_buttons.children) {
+            button.title = texts(button.dataset.text);
+            button.setAttribute('aria-label', button.title);
+        }
     }
 
     /** Tells a screen reader. @param {string} text */

@@ -23,11 +23,9 @@
 /**
  * @typedef {object} Roof
  * @property {string} key unique in the view
- * @property {string} id the library's id
  * @property {string} name
  * @property {boolean} isMemory true: y = x + log10(value); false: y = log10(value)
  * @property {number} value giga units per second (not a logarithm)
- * @property {string} measure such as "GB/s"
  * @property {string} valueText `value` with its measure, as the page writes numbers
  * @property {boolean} selected drawn strong
  * @property {boolean} hidden not drawn
@@ -38,15 +36,13 @@
  * @typedef {object} Point
  * @property {string} key unique in the view
  * @property {number} row
- * @property {string} name
+ * @property {string} name beside the point; a short form where there is one
  * @property {string} level such as "L1"; "" where the chart has no levels. Decides the shape
  * @property {string} levelCaption such as "L1", "DRAM", for the legend
  * @property {number} x
  * @property {number} y
  * @property {number|null} share of the program's time, a fraction; decides the area
  * @property {'memory'|'compute'|''} limitKind
- * @property {string} limit name of the limiting roof
- * @property {number|null} fraction of the limiting roof
  * @property {boolean|null} vectorised true: the point has a dot in its middle
  * @property {boolean} dimmed outside of the search or filter: drawn faint, not hovered, not reached by keys
  * @property {'base'|'new'|''} side '' outside of compare mode; base is hollow, new is filled
@@ -111,12 +107,11 @@
 /**
  * @typedef {object} Chart
  * @property {(view: View) => void} update draws another view; the zoom stays unless axes, `bounds` or the
- *     extent of the points changed
+ *     extent of the points changed; without a zoom the whole is fitted to the roofs
  * @property {(hovered: number|null, pinned: number|null) => void} highlight cheap: changes the emphasis alone
  * @property {() => void} resetZoom
  * @property {() => string} exportSvg a standalone SVG text of what is seen
  * @property {() => Promise<Blob>} exportPng the same at twice the size
- * @property {() => void} destroy
  */
 
 export {};

@@ -1,8 +1,10 @@
-// Zoom and pan of the plot by wheel, drag, double click and keys.
+// What part of the plane is seen: zoom and pan by wheel, drag and keys; a double click shows the whole.
 import { select } from 'd3-selection';
 import { zoom, zoomIdentity } from 'd3-zoom';
+import { homeBounds, makeMapping, pointBounds } from './scales.js';
 
 /** @typedef {import('./scales.js').Size} Size */
+/** @typedef {import('./view.js').View} View */
 
 const EXTENT = /** @type {[number, number]} */ ([0.2, 20000]);
 const CLICK = 4; // pixels that a click may move
@@ -14,6 +16,10 @@ export class Zoom {
      */
     constructor(pane, { onChange, onMoving }) {
         this.m_size = { width: 1, height: 1 };
+        this.m_home = { minX: 0, maxX: 1, minY: 0, maxY: 1 };
+        this.m_homeKey = '';
+        /** @type {View|null} */
+        this.m_view = null;
         this.m_pane = /** @type {any} */ (select(pane));
         this.m_zoom = /** @type {any} */ (zoom())
             .scaleExtent(EXTENT)
@@ -22,7 +28,6 @@ export class Zoom {
                 [this.m_size.width, this.m_size.height],
             ])
             .clickDistance(CLICK)
-            .duration(matchMedia('(prefers-reduced-motion: reduce)').matches ? 0 : 200)
             // Not on 'start': the end of a wheel's turn may come in the midst of a drag.
             .on('zoom', (/** @type {any} */ event) => {
                 this.transform = event.transform;
@@ -31,7 +36,27 @@ export class Zoom {
             })
             .on('end', () => onMoving(false));
         this.transform = zoomIdentity;
-        this.m_pane.call(this.m_zoom);
+        // In place of the usual zoom in; a double tap comes here too.
+        this.m_pane.call(this.m_zoom).on('dblclick.zoom', () => this.reset());
+    }
+
+    /** Of the last fit() and resize(). */
+    get map() {
+        return makeMapping(this.m_home, this.m_size, this.transform);
+    }
+
+    /**
+     * Shows the whole of a view with other axes or points. Where only roofs have moved, the whole follows
+     * them and a closer look stays where it is.
+     * @param {View} view
+     */
+    fit(view) {
+        this.m_view = view;
+        const key = JSON.stringify([view.axes, view.bounds, pointBounds(view)]);
+        const { k, x, y } = this.transform;
+        if (key !== this.m_homeKey) this.reset();
+        else if (k === 1 && x === 0 && y === 0) this.m_home = homeBounds(view);
+        this.m_homeKey = key;
     }
 
     /** Keeps what is in view when the plot's size changes. @param {Size} size */
@@ -61,10 +86,7 @@ export class Zoom {
     }
 
     reset() {
+        if (this.m_view) this.m_home = homeBounds(this.m_view);
         this.m_pane.call(this.m_zoom.transform, zoomIdentity);
-    }
-
-    destroy() {
-        this.m_pane.on('.zoom', null);
     }
 }
