@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 
 namespace cli {
 namespace {
@@ -32,11 +31,6 @@ Session openTarget(const ChartRequest& request) {
             fmt::format("--with: {} is {}; expected an offload result, such as `roofline project` makes",
                         request.with, target.kind->aResult));
     return target;
-}
-
-std::string programOf(const Session& session, const std::string& file) {
-    const auto name = session.models.all->getProgramInfo().name;
-    return name.empty() ? std::filesystem::path(file).stem().string() : name;
 }
 
 std::vector<Roof> roofsOf(const Session& target, const ChartRequest& request, const std::string& operations) {

@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <optional>
 #include <utility>
 
@@ -88,9 +87,7 @@ std::string detailsOf(const Sessions& sessions, const ComparisonData& data, cons
 }
 
 ComparedResult describe(const Session& session, const std::string& file) {
-    auto program = session.models.all->getProgramInfo().name;
-    if (program.empty()) program = std::filesystem::path(file).stem().string();
-    return {file, std::move(program), session.result->machineName()};
+    return {file, programOf(session, file), session.result->machineName()};
 }
 
 // The options whose roofs hold for what the rows have: float, integer or all operations.

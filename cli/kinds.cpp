@@ -7,9 +7,10 @@
 
 #include "cli/console.h"
 #include "cli/json.h"
+#include "cli/text.h"
 
+#include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/predicate.hpp>
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
@@ -87,14 +88,25 @@ Features threading(const IRooflineInfo& engine, const RoofChoice& choice) {
 
 int usedThreads(const Models& models) { return models.survey->getUsedThreadCount(); }
 
-std::string place(const Features& features, const Models& models) {
+std::vector<Phrase> place(const Features& features, const Models& models) {
     const auto asked = features.threadCount > 0 ? features.threadCount : usedThreads(models);
     const auto threads = asked > 1 ? asked + asked % 2 : asked;
     const bool isSingle = features.strategy == Features::Strategy::SingleThread;
-    return fmt::format("{}{} thread{}{} on {} package{}", isSingle ? "a single one of " : "", threads,
-                       threads == 1 ? "" : "s",
-                       threads == asked ? "" : " (odd numbers are taken as the next even one)",
-                       features.packageCount, features.packageCount == 1 ? "" : "s");
+    const auto threadCount = std::to_string(threads), packageCount = std::to_string(features.packageCount);
+    std::vector<Phrase> phrases;
+    if (threads == 1)
+        phrases.push_back({"page_place_thread", "1 thread", {}});
+    else if (isSingle)
+        phrases.push_back({"page_place_single", "a single one of %1 threads", {threadCount}});
+    else
+        phrases.push_back({"page_place_threads", "%1 threads", {threadCount}});
+    if (threads != asked)
+        phrases.push_back({"page_place_even", "(odd numbers are taken as the next even one)", {}});
+    if (features.packageCount == 1)
+        phrases.push_back({"page_place_package", "on 1 package", {}});
+    else
+        phrases.push_back({"page_place_packages", "on %1 packages", {packageCount}});
+    return phrases;
 }
 
 }  // namespace cpu
@@ -145,8 +157,9 @@ Features threading(const IRooflineInfo& engine, const RoofChoice& choice) {
     return features;
 }
 
-std::string place(const Features& features, const Models&) {
-    return usageOf(features) == TileUsage::Single ? "one sub-device" : "all sub-devices";
+std::vector<Phrase> place(const Features& features, const Models&) {
+    if (usageOf(features) == TileUsage::Single) return {{"page_place_sub_device", "one sub-device", {}}};
+    return {{"page_place_sub_devices", "all sub-devices", {}}};
 }
 
 }  // namespace gpu
@@ -274,6 +287,8 @@ constexpr std::array<ResultTraits, 3> kKinds{{
 
 }  // namespace
 
+std::span<const ResultTraits> allKinds() { return kKinds; }
+
 const ResultTraits& kindOf(const embedded_host::Result& result) {
     return *std::find_if(kKinds.begin(), kKinds.end(),
                          [&](const ResultTraits& each) { return each.kind == result.kind(); });
@@ -284,6 +299,12 @@ const ResultTraits* findKind(const std::string& name) {
         return boost::algorithm::iequals(each.name, name, std::locale::classic());
     });
     return found == kKinds.end() ? nullptr : &*found;
+}
+
+std::string inEnglish(const std::vector<Phrase>& phrases) {
+    std::vector<std::string> texts;
+    for (const auto& phrase : phrases) texts.push_back(fillIn(phrase.english, phrase.arguments));
+    return boost::algorithm::join(texts, " ");
 }
 
 }  // namespace cli

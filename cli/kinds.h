@@ -12,6 +12,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace cli {
 
@@ -41,6 +42,13 @@ struct OpenedResult {
     std::shared_ptr<data_models2::IRooflineInfo> engine;
 };
 
+// A part of a sentence: the page says it in its own language, the program in English.
+struct Phrase {
+    const char* message;  // of the page's texts
+    const char* english;
+    std::vector<std::string> arguments;  // for "%1" to "%3"
+};
+
 // What the roofline of one row is worked out of.
 struct RowQuestion {
     const data_models2::sptr_t<data_models2::RowNode>& row;
@@ -66,8 +74,8 @@ struct ResultTraits {
 
     // What --threads, --packages and --single stand for; throws UsageError where they mean nothing.
     data_models2::RoofThreadingFeatures (*threading)(const data_models2::IRooflineInfo&, const RoofChoice&);
-    // The same in words, such as "8 threads on 1 package".
-    std::string (*place)(const data_models2::RoofThreadingFeatures&, const Models&);
+    // The same in words, such as "8 threads", "on 1 package".
+    std::vector<Phrase> (*place)(const data_models2::RoofThreadingFeatures&, const Models&);
     // Memory levels that the rows know.
     std::size_t (*levelCount)(const Models&);
     // What its roofs are for when nothing is chosen; null where they don't depend on a number of threads.
@@ -80,8 +88,12 @@ struct ResultTraits {
     const char* rowConfig;   // what of --config counts for single rows
 };
 
+std::span<const ResultTraits> allKinds();
 const ResultTraits& kindOf(const embedded_host::Result& result);
 // By the name that a result file has, in any case; null for an unknown one.
 const ResultTraits* findKind(const std::string& name);
+
+// The phrases one after another.
+std::string inEnglish(const std::vector<Phrase>& phrases);
 
 }  // namespace cli

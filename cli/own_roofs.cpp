@@ -79,7 +79,7 @@ std::string valueText(const Assignment& set) {
 
 // "8 threads on 1 package in machine.json"
 std::string placeText(const Session& session, const RoofThreadingFeatures& features) {
-    return fmt::format("{} in {}", session.kind->place(features, session.models),
+    return fmt::format("{} in {}", inEnglish(session.kind->place(features, session.models)),
                        session.result->machineFile());
 }
 

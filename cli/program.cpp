@@ -78,13 +78,13 @@ void addChoice(CLI::App& command, const char* name, std::string& value, const ch
 void addThreads(CLI::App& command, RoofChoice& roofs) {
     command
         .add_option("--threads", roofs.threads, "threads that the roofs assume; 0: those the program used")
-        ->check(CLI::Range(0, 1 << 20).description(""))
+        ->check(CLI::Range(0, kMostThreads).description(""))
         ->type_name("N");
     command
         .add_option("--packages", roofs.packages,
                     "packages that the roofs assume; 0: as the threads need; of a GPU 1: one "
                     "sub-device, 2: all, the default")
-        ->check(CLI::Range(0, 1 << 10).description(""))
+        ->check(CLI::Range(0, kMostPackages).description(""))
         ->type_name("N");
     command.add_flag("--single", roofs.single, "roofs of one thread instead of all together");
 }
@@ -292,9 +292,10 @@ void addReport(Commands& commands) {
     addSource(*report, request->source);
     report->add_option("--compare", request->compare, "result file from after a change")->type_name("NEW");
     report->add_option("-o,--output", request->output, "file to write, or - for stdout")->type_name("FILE");
-    report->add_option("--json", request->json, "write the page's data alone, or to stdout for -")
-        ->type_name("FILE");
-    report->add_flag("--force", request->force, "replace an existing file");
+    auto* const json =
+        report->add_option("--json", request->json, "write the page's data alone, or to stdout for -")
+            ->type_name("FILE");
+    report->add_flag("--force", request->force, "replace an existing file")->excludes(json);
 }
 
 void addServe(Commands& commands) {

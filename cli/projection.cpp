@@ -2,6 +2,7 @@
 
 #include "host_interfaces/host_functions.h"
 
+#include "cli/cells.h"
 #include "cli/unplaced_rows.h"
 
 #include <boost/algorithm/string/predicate.hpp>
@@ -37,8 +38,8 @@ public:
     RowLine read(const sptr_t<RowNode>& row) const {
         RowLine line;
         line.id = std::to_string(row->getId());
-        m_dataset->getString(row, m_name, 0, line.name);
-        m_dataset->getString(row, m_location, 0, line.location);
+        line.name = textIn(*m_dataset, row, m_name);
+        line.location = textIn(*m_dataset, row, m_location);
         line.seconds = number(row, m_time);
         const auto performance = number(row, m_performance), intensity = number(row, m_intensity);
         // On logarithmic axes there is no place for a 0.
@@ -55,9 +56,7 @@ public:
 
 private:
     std::optional<double> number(const sptr_t<RowNode>& row, const sptr_t<ColumnNode>& column) const {
-        variant_t value;
-        if (!m_dataset->getValue(row, column, 0, value)) return {};
-        return value.toDouble();
+        return numberIn(*m_dataset, row, column);
     }
 
     const ResultTraits& m_kind;

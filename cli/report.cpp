@@ -8,7 +8,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 
 namespace cli {
@@ -18,20 +17,21 @@ constexpr double kMegabyte = 1e6;
 
 // Told before the long work; `writeFile` looks again.
 void checkTarget(const std::string& path, bool force) {
-    if (!force && std::filesystem::is_regular_file(path))
-        throw embedded_host::FileError(path + ": the file exists; --force replaces it");
+    if (path != "-" && !force && std::filesystem::is_regular_file(path))
+        throw embedded_host::FileError(path +
+                                       ": the file exists and is not overwritten; --force replaces it");
 }
 
 page::Model makeModel(const ReportRequest& request, const std::vector<page::Result>& results,
                       ProgressBar& bar) {
     BarProgress progress(bar);
-    auto model = page::requestOf(results, progress);
+    auto wanted = page::requestOf(results, progress);
     bar.clear();
     throwIfCancelled(bar);
-    model.language = request.source.language;
+    wanted.language = request.source.language;
     std::size_t done = 0;
-    const auto all = page::Model::steps(model);
-    return {model, [&] {
+    const auto all = page::Model::steps(wanted);
+    return {wanted, [&] {
                 bar.show(done++, all);
                 throwIfCancelled(bar);
             }};
@@ -57,15 +57,11 @@ int writeReport(const ReportRequest& request, const page::Resources& resources, 
     const auto model = makeModel(request, results, bar);
     const page::PageFrame frame{page::titleOf(results), request.source.language, false};
 
-    constexpr std::array<std::size_t, 6> kDetails{page::kMostDetails, 200, 100, 50, 20, 0};
     const auto allowed = bytesAllowed(results);
-    std::string text;
-    auto detailed = kDetails.begin();
-    for (; detailed != kDetails.end(); ++detailed) {
-        text = page::makePage(resources, frame, model.text(*detailed));
+    const auto [text, detailed] = page::fitPage(allowed, [&](std::size_t most) {
         throwIfCancelled(bar);
-        if (static_cast<double>(text.size()) <= allowed || std::next(detailed) == kDetails.end()) break;
-    }
+        return page::makePage(resources, frame, model.text(most));
+    });
     bar.clear();
     throwIfCancelled(bar);
     if (request.output == "-")
@@ -74,10 +70,10 @@ int writeReport(const ReportRequest& request, const page::Resources& resources, 
         embedded_host::writeFile(request.output, text, request.force);
     console.err << fmt::format("wrote {} ({} rows, {} charts, details of {} rows)\n",
                                request.output == "-" ? "the report" : request.output, model.rowCount(),
-                               model.chartCount(), model.detailCount(*detailed));
-    if (detailed != kDetails.begin())
+                               model.chartCount(), model.detailCount(detailed));
+    if (detailed != page::kMostDetails)
         console.err << fmt::format("note: details of {} rows were left out to keep the file small\n",
-                                   model.detailCount(kDetails.front()) - model.detailCount(*detailed));
+                                   model.detailCount(page::kMostDetails) - model.detailCount(detailed));
     if (results.front().session().result->machineName().empty())
         console.err
             << "hint: this result knows no machine, so there are no roofs: give one with --machine FILE\n";

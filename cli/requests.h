@@ -24,6 +24,9 @@ struct ResultSource {
     std::string language;  // of the library's texts; empty: the default
 };
 
+// Of a RoofChoice that a user may ask for.
+inline constexpr int kMostThreads = 1 << 20, kMostPackages = 1 << 10;
+
 struct RoofChoice {
     int threads = 0;      // 0: as many as the program used
     int packages = 0;     // 0: as many as the threads need

@@ -3,6 +3,7 @@
 
 #include "host_interfaces/host_functions.h"
 
+#include "cli/cells.h"
 #include "cli/operations.h"
 #include "cli/unplaced_rows.h"
 
@@ -38,8 +39,7 @@ public:
 
 private:
     bool hasCell(const sptr_t<RowNode>& row, const sptr_t<ColumnNode>& column) const {
-        variant_t value;
-        return m_data.getValue(row, column, 0, value);
+        return numberIn(m_data, row, column).has_value();
     }
 
     // As the chart's options call it.
@@ -150,10 +150,9 @@ std::string RowReader::causeWithoutCompute(const RowLine& line) const {
 RowLine RowReader::read(const sptr_t<RowNode>& row) const {
     RowLine line;
     line.id = std::to_string(row->getId());
-    m_data.getString(row, m_name, 0, line.name);
-    m_data.getString(row, m_location, 0, line.location);
-    variant_t seconds;
-    if (m_data.getValue(row, m_time, 0, seconds)) line.seconds = seconds.toDouble();
+    line.name = textIn(m_data, row, m_name);
+    line.location = textIn(m_data, row, m_location);
+    line.seconds = numberIn(m_data, row, m_time);
     if (line.seconds && m_programSeconds > 0) line.share = *line.seconds / m_programSeconds;
 
     const auto info = m_rooflines.of(row);
@@ -177,9 +176,8 @@ RowLine RowReader::read(const sptr_t<RowNode>& row) const {
     nameLevels(line);
     if (line.levels.empty() && m_rooflines.levelCount() > 1)
         line.levelCause =
-            fmt::format("levels need {}, 0 included", hasCell(row, m_floatOps) && hasCell(row, m_intOps)
-                                                          ? m_rooflines.kind().levelNeeds
-                                                          : "float and integer counts");
+            levelsNeed(hasCell(row, m_floatOps) && hasCell(row, m_intOps) ? m_rooflines.kind().levelNeeds
+                                                                          : "float and integer counts");
     line.doubt = doubtOf(line, *info, m_rooflines.kind());
     if (line.doubt.empty() && m_rooflines.isWithCallees(row, *info)) line.doubt = "with all that it calls";
     return line;
@@ -197,6 +195,8 @@ std::optional<double> RowLine::speedUp() const {
     if (!limit) return {};
     return limit->height / *performance;
 }
+
+std::string levelsNeed(std::string_view what) { return fmt::format("levels need {}, 0 included", what); }
 
 std::vector<RowLine> readRows(const Session& session, const RowRooflines& rooflines) {
     const RowReader reader(session, rooflines);

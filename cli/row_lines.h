@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace cli {
@@ -51,6 +52,9 @@ struct RowLine {
     // How much faster the row gets on the roof that limits it.
     std::optional<double> speedUp() const;
 };
+
+// The cause of a row without levels that lacks `what`.
+std::string levelsNeed(std::string_view what);
 
 enum class RowOrder { Time, Distance, Performance };
 

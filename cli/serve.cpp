@@ -1,10 +1,16 @@
 // `roofline serve`: the page of one or two results from this machine, for as long as the program runs.
 #include "cli/page/live_page.h"
+#include "cli/page/quiet_thread.h"
 #include "cli/text.h"
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <csignal>
+#include <cstdlib>
+#include <future>
+#include <optional>
+#include <thread>
 
 namespace cli {
 namespace {
@@ -37,15 +43,38 @@ private:
     sigset_t m_before;
 };
 
+// Ends the program, as done, when it lives too long: the server waits for requests that come byte by byte as
+// long as their clients like. Custom roofs replace their file at once, so that none is left half written.
+class Deadline {
+public:
+    Deadline()
+        : m_thread(page::startQuietly([done = m_done.get_future()] {
+              if (done.wait_for(std::chrono::seconds(3)) == std::future_status::timeout)
+                  std::quick_exit(kDone);
+          })) {}
+    ~Deadline() {
+        m_done.set_value();
+        m_thread.join();
+    }
+    Deadline(const Deadline&) = delete;
+    Deadline& operator=(const Deadline&) = delete;
+
+private:
+    std::promise<void> m_done;
+    std::thread m_thread;
+};
+
 }  // namespace
 
 int runServe(const ServeRequest& request, Console& console) {
+    std::optional<Deadline> deadline;  // outlives the page
     const page::LivePage live(request, page::requireResources(page::resources()));
     const Interrupts interrupts;  // given up before the page is: a second Ctrl-C doesn't wait for it
     const auto files = request.source.file + (request.compare.empty() ? "" : " and " + request.compare);
     console.err << cleanText(fmt::format("serving {} on this machine; Ctrl-C ends it", files)) << std::endl;
     console.out << live.address() << std::endl;
     interrupts.wait();
+    deadline.emplace();
     return kDone;
 }
 

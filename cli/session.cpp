@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <sstream>
 #include <stdexcept>
@@ -116,6 +117,11 @@ std::pair<Session, Session> openSessions(const ResultSource& base, const std::st
 void needMeasured(const Session& session, const std::string& file, const char* thing) {
     if (session.kind->isProjection)
         throw std::runtime_error(fmt::format("{}: {} has no {}", file, session.kind->aResult, thing));
+}
+
+std::string programOf(const Session& session, const std::string& file) {
+    const auto name = session.models.all->getProgramInfo().name;
+    return name.empty() ? std::filesystem::path(file).stem().string() : name;
 }
 
 void waitForTasks() {

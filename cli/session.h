@@ -35,6 +35,9 @@ std::pair<Session, Session> openSessions(const ResultSource& base, const std::st
 // Throws std::runtime_error where the result is a projection, which has no such thing ("summary").
 void needMeasured(const Session& session, const std::string& file, const char* thing);
 
+// The program's name, or its file's without folder and ending where the result has none.
+std::string programOf(const Session& session, const std::string& file);
+
 // Until the library knows what dominates the program. Throws std::runtime_error when that takes too long.
 void waitForTasks();
 // The library's summary; empty when it has none, nothing when its search has failed. Waits for tasks.

@@ -5,6 +5,7 @@
 
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/erase.hpp>
+#include <boost/algorithm/string/replace.hpp>
 
 #include <algorithm>
 #include <array>
@@ -143,5 +144,12 @@ std::string roofKey(std::string_view name) {
 }
 
 std::string shortNumber(double value) { return embedded_host::formatNumber(value, 4); }
+
+std::string fillIn(std::string_view text, const std::vector<std::string>& arguments) {
+    std::string filled(text);
+    for (std::size_t i = 0; i < arguments.size(); ++i)
+        boost::replace_all(filled, "%" + std::to_string(i + 1), arguments[i]);
+    return filled;
+}
 
 }  // namespace cli

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace cli {
 
@@ -22,5 +23,8 @@ double textWidth(std::string_view text, double fontSize);
 std::string roofKey(std::string_view name);
 // `value` with four significant digits; "N/A" when it isn't finite.
 std::string shortNumber(double value);
+
+// "%1", "%2", ... become the arguments.
+std::string fillIn(std::string_view text, const std::vector<std::string>& arguments);
 
 }  // namespace cli

@@ -1,6 +1,8 @@
 // Classifies the rows that a chart leaves out: a point needs operations, traffic and time of its own.
 #include "cli/unplaced_rows.h"
 
+#include "cli/cells.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -46,8 +48,7 @@ public:
     }
     bool anyAboveZero(const Row& row) const {
         return std::any_of(m_columns.begin(), m_columns.end(), [&](const sptr_t<ColumnNode>& column) {
-            variant_t value;
-            return m_dataset->getValue(row, column, 0, value) && value.toDouble() > 0.0;
+            return numberIn(*m_dataset, row, column).value_or(0.0) > 0.0;
         });
     }
 
@@ -131,7 +132,12 @@ UnplacedCauses::UnplacedCauses(const Session& session, std::set<std::string> dra
     const bool isTotal = session.tree && !options.count("1");
     m_dataset = isTotal ? session.tree : session.rows;
     const auto& operations = operationFields(*session.kind, options);
-    m_names = {operations.missing, kMissingTraffic, kMissingTime, "caller not on the chart", kMissingOther};
+    m_names.resize(kCauses);
+    m_names[kOps] = operations.missing;
+    m_names[kTrafficCause] = kMissingTraffic;
+    m_names[kTime] = kMissingTime;
+    m_names[kCaller] = "caller not on the chart";
+    m_names[kOther] = kMissingOther;
     if (!m_dataset) return;
     m_fields.reset(new Fields{Cells(m_dataset, {isTotal ? operations.total : operations.self}),
                               Cells(m_dataset, trafficFields(*session.kind, options, isTotal)),
@@ -140,6 +146,8 @@ UnplacedCauses::UnplacedCauses(const Session& session, std::set<std::string> dra
 }
 
 UnplacedCauses::~UnplacedCauses() = default;
+
+const std::string& UnplacedCauses::ofUnknownRow() const { return m_names[kOther]; }
 
 std::size_t UnplacedCauses::of(const Row& row) const {
     if (!m_fields->operations.anyAboveZero(row)) return kOps;

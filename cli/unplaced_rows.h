@@ -40,6 +40,8 @@ public:
     bool isDrawn(const Row& row) const { return m_drawn.count(std::to_string(row->getId())) > 0; }
     // Of a row that isn't drawn: its place among the names.
     std::size_t of(const Row& row) const;
+    // The name of the cause of a row that the dataset lacks.
+    const std::string& ofUnknownRow() const;
     // In the order in which they are looked for.
     const std::vector<std::string>& names() const { return m_names; }
 

@@ -4,6 +4,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/setup.sh
+# The page is tested in a browser; one of one's own does as well.
+browser=()
+command -v chromium chromium-browser google-chrome >/dev/null || browser=(chromium)
+scripts/setup.sh "${browser[@]}"
 scripts/build.sh dev
 ctest --preset dev --parallel "$(nproc)" "$@"

@@ -19,6 +19,7 @@ namespace {
 
 using json::Value;
 
+constexpr auto kFloat = "f";  // an option of the group of operations in every result
 constexpr double kNothing = std::numeric_limits<double>::quiet_NaN();
 
 // The values of a group, its default first.
@@ -111,8 +112,7 @@ std::vector<std::string> causesOf(const Session& session, const Rows& rows, cons
     const UnplacedCauses causes(session, std::move(drawn), configuration);
     std::vector<std::string> names;
     for (const auto& name : causes.names()) names.push_back(translateWords("cause", name));
-    // A row that the dataset of total data lacks.
-    std::vector<std::string> found(rows.size(), names.back());
+    std::vector<std::string> found(rows.size(), translateWords("cause", causes.ofUnknownRow()));
     for (std::size_t row = 0; row < rows.size(); ++row)
         if (chart.placed[row]) found[row].clear();
     forEachChartRow(causes.dataset(), [&](const Rows::Node& row) {
@@ -144,8 +144,10 @@ std::vector<std::string> chartConfigurations(const Session& session) {
 
 std::vector<std::string> operationOptions(const Session& session) {
     const auto options = json::parse(session.engine->getRooflineOptions(), "the library's options");
-    const auto groups = json::items(options, "groups");
-    return groups.Empty() ? std::vector<std::string>() : valuesOf(groups[0]);
+    for (const auto& group : json::items(options, "groups"))
+        if (auto values = valuesOf(group); std::find(values.begin(), values.end(), kFloat) != values.end())
+            return values;
+    return {};
 }
 
 Chart readChart(const Session& session, const Rows& rows, const std::string& configuration) {
@@ -185,9 +187,9 @@ void Charts::write(Writer& writer) const {
     m_columns.write(writer);
     writer.key("charts");
     writer.object([&] {
-        for (const auto& [configuration, chart] : m_charts) {
-            const auto& shared = chart;
-            writer.key(configuration);
+        for (const auto& each : m_charts) {
+            const auto& shared = each.second;
+            writer.key(each.first);
             writer.object([&] {
                 writer.key("document");
                 writer.raw(shared.document);

@@ -36,7 +36,6 @@ public:
     explicit Charts(Dictionary& dictionary) : m_dictionary(dictionary) {}
 
     void add(const std::string& configuration, Chart chart);
-    std::size_t size() const { return m_charts.size(); }
     // The members "columns" and "charts".
     void write(Writer& writer) const;
 

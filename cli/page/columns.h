@@ -20,7 +20,6 @@ public:
     // The index of a column that says the same as `column` for the rows that are `asked`; of the others
     // nothing is promised. Values are rounded as they will be written.
     std::size_t add(Column column, const RowMask& asked);
-    const std::vector<Column>& all() const { return m_columns; }
     void write(Writer& writer) const;
 
 private:

@@ -7,6 +7,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace cli::page {
@@ -38,7 +40,33 @@ std::optional<double> countIn(const Value& instruction, const char* name) {
     return count ? json::number(*count, "value") : std::nullopt;
 }
 
-// Of a kernel by instruction; of a loop by the class numbers of the result file, which have no names.
+// The classes of the result file that decide something, by what they hold; %1 is the number.
+struct InstructionClass {
+    int number;
+    const char *message, *english;
+};
+constexpr InstructionClass kAnyClass{0, "page_class", "class %1"};
+constexpr InstructionClass kClasses[]{
+    {3, "page_class_single", "single precision (class %1)"},
+    {11, "page_class_vector", "vector (class %1)"},
+    {12, "page_class_vector", "vector (class %1)"},
+    {49, "page_class_vector", "vector (class %1)"},
+    {63, "page_class_other", "other arithmetic (class %1)"},
+    {64, "page_class_other", "other arithmetic (class %1)"},
+    {65, "page_class_other", "other arithmetic (class %1)"},
+    {74, "page_class_fma", "fused multiply-add (class %1)"},
+};
+
+template <class Number>
+std::string className(Number number) {
+    const auto* const found = std::find_if(std::begin(kClasses), std::end(kClasses), [&](const auto& each) {
+        return each.number == static_cast<int>(number);
+    });
+    const auto& known = found == std::end(kClasses) ? kAnyClass : *found;
+    return say(known.message, known.english, {std::to_string(number)});
+}
+
+// Of a kernel by instruction, of a loop by class.
 std::vector<Counted> mixOf(const Value& answer, const data_models2::InstructionMix& classes) {
     std::vector<Counted> mix;
     if (const auto* const summary = json::member(answer, "opsAndBandwidth"))
@@ -50,7 +78,7 @@ std::vector<Counted> mixOf(const Value& answer, const data_models2::InstructionM
                                countIn(each, "instructionCount"), countIn(each, "operationCount")});
             }
     for (const auto& [number, count] : classes)
-        mix.push_back({{}, fmt::format("#{}", number), {}, count.toDouble(), {}});
+        mix.push_back({{}, className(number), {}, count.toDouble(), {}});
     return mix;
 }
 
@@ -71,7 +99,8 @@ void writeMix(Writer& writer, const std::vector<Counted>& mix) {
 
 class DetailReader {
 public:
-    DetailReader(const Session& session, const Rows& rows) : m_rows(rows), m_rooflines(session, "1", {}) {}
+    DetailReader(const Session& session, const Rows& rows)
+        : m_rows(rows), m_rooflines(session, kSelfData, {}) {}
 
     std::string read(const Value& details, std::size_t place) const {
         const auto& row = m_rows.nodes[place];

@@ -3,6 +3,8 @@
 
 #include "cli/page/texts.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 namespace cli::page {
@@ -90,6 +92,8 @@ Model::Model(const ModelRequest& request, const Step& step) : m_isWhole(request.
         part.head = result->open(m_isWhole, step);
         if (m_isWhole) part.details = result->longestDetails(kMostDetails, step);
         part.rows = result->rows().size();
+        part.name =
+            fmt::format("{} ({})", programOf(result->session(), result->fileName()), result->fileName());
         m_rowCount += part.rows;
         m_chartCount += m_isWhole ? result->configurations().size() : 0;
     }
@@ -110,18 +114,24 @@ std::size_t Model::detailCount(std::size_t detailed) const {
 std::string Model::text(std::size_t detailed) const {
     auto text = m_head + R"(,"results":[)";
     for (std::size_t i = 0; i < m_parts.size(); ++i) {
-        const auto& [head, details, rows] = m_parts[i];
-        text += (i > 0 ? "," : "") + head + R"(,"details":{)";
+        const auto& details = m_parts[i].details;
+        text += (i > 0 ? "," : "") + m_parts[i].head + R"(,"details":{)";
         for (std::size_t row = 0; row < std::min(detailed, details.size()); ++row)
             text += (row > 0 ? ",\"" : "\"") + details[row].first + "\":" + details[row].second;
         text += "}}";
     }
-    const auto count = detailCount(detailed);
     Writer notes;
     notes.StartArray();
-    if (m_isWhole && count < m_rowCount)
-        notes.text(say("page_note_details", "Details are there for the %1 rows with most time, of %2.",
-                       {std::to_string(count), std::to_string(m_rowCount)}));
+    for (const auto& part : m_parts) {
+        const auto count = std::min(detailed, part.details.size());
+        if (!m_isWhole || count == part.rows) continue;
+        const std::vector<std::string> values{std::to_string(count), std::to_string(part.rows), part.name};
+        notes.text(
+            m_parts.size() == 1
+                ? say("page_note_details", "Details are there for the %1 rows with most time, of %2.", values)
+                : say("page_note_details_of", "%3: details are there for the %1 rows with most time, of %2.",
+                      values));
+    }
     notes.EndArray();
     return text + R"(],"notes":)" + notes.take() + '}';
 }

@@ -41,6 +41,7 @@ private:
         std::string head;
         std::vector<std::pair<std::string, std::string>> details;
         std::size_t rows;
+        std::string name;  // of the program and its file
     };
     std::string m_head;  // all but results and notes, the object left open
     std::vector<Part> m_parts;

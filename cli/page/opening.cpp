@@ -30,9 +30,8 @@ ModelRequest requestOf(const std::vector<Result>& results, data_models2::IProgre
 std::string titleOf(const std::vector<Result>& results) {
     std::string title;
     for (const auto& result : results) {
-        const auto name = result.session().models.all->getProgramInfo().name;
         if (!title.empty()) title += " - ";
-        title += name.empty() ? result.fileName() : name;
+        title += programOf(result.session(), result.fileName());
     }
     return title;
 }

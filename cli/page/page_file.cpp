@@ -1,12 +1,14 @@
 // Filling of the page.
 #include "cli/page/page_file.h"
 
+#include "cli/page/model.h"
 #include "cli/text.h"
 
 #include <boost/algorithm/string/replace.hpp>
 #include <boost/archive/iterators/base64_from_binary.hpp>
 #include <boost/archive/iterators/transform_width.hpp>
 
+#include <array>
 #include <stdexcept>
 #include <utility>
 #include <zlib.h>
@@ -32,7 +34,7 @@ const Resources& requireResources(const Resources* resources) {
     if (resources) return *resources;
     throw std::runtime_error(
         "reports and served pages are off in this build: they need Node.js and the packages of chart_page/; "
-        "scripts/setup.sh installs both, then build again");
+        "scripts/setup.sh installs both, scripts/build.sh release looks for them again");
 }
 
 std::string deflated(const std::string& text) {
@@ -52,6 +54,16 @@ std::string base64(std::string_view bytes) {
     std::string text(Encoder(bytes.begin()), Encoder(bytes.end()));
     text.append((3 - bytes.size() % 3) % 3, '=');
     return text;
+}
+
+FittedPage fitPage(double bytes, const std::function<std::string(std::size_t)>& make) {
+    constexpr std::array<std::size_t, 6> kDetails{kMostDetails, 200, 100, 50, 20, 0};
+    FittedPage page;
+    for (const auto detailed : kDetails) {
+        page = {make(detailed), detailed};
+        if (static_cast<double>(page.text.size()) <= bytes) break;
+    }
+    return page;
 }
 
 std::string makePage(const Resources& resources, const PageFrame& frame, const std::string& model) {

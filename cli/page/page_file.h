@@ -1,6 +1,8 @@
 // The page as a file: its resources, which the build makes, filled with data.
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +31,14 @@ struct PageFrame {
 std::string policyOf(const Resources& resources, bool isServed);
 // The HTML text, with `model` deflated and in base64. Throws std::runtime_error when that fails.
 std::string makePage(const Resources& resources, const PageFrame& frame, const std::string& model);
+struct FittedPage {
+    std::string text;
+    std::size_t detailed;  // the limit of rows with details
+};
+// The first page of at most so many bytes that `make` makes, its limit of rows with details lowered step by
+// step to 0; larger than that where no such page is small enough.
+FittedPage fitPage(double bytes, const std::function<std::string(std::size_t)>& make);
+
 // The zlib format.
 std::string deflated(const std::string& text);
 std::string base64(std::string_view bytes);

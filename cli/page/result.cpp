@@ -1,6 +1,8 @@
 // Writing of a result's members.
 #include "cli/page/result.h"
 
+#include "cli/page/texts.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -70,12 +72,37 @@ void Result::writeRoofs(Writer& writer, const std::string& operations) const {
     const auto configuration = completeConfiguration(m_session, operations);
     const RoofChoice choice;
     const auto asRun = engine.getRoofs(configuration, threadingOf(m_session, choice), perspectiveOf(choice));
-    const auto setUps = engine.getAllRoofs(configuration);
     writer.object([&] {
         writer.key("asRun");
         writer.rounded(asRun.empty() ? "[]" : asRun);
         writer.key("setUps");
-        writer.rounded(setUps.empty() ? "[]" : setUps);
+        writeSetUps(writer, configuration);
+    });
+}
+
+// Of a device the library lists a choice of sub-devices in place of set-ups: an option's value stands for
+// packages.
+void Result::writeSetUps(Writer& writer, const std::string& configuration) const {
+    const auto& engine = *m_session.engine;
+    const auto text = engine.getThreadsInfo();
+    const auto info = json::parse(text.empty() ? "{}" : text, "the library's sub-devices");
+    const auto* const group = json::member(info, "group");
+    if (!group) {
+        const auto setUps = engine.getAllRoofs(configuration);
+        return writer.rounded(setUps.empty() ? "[]" : setUps);
+    }
+    writer.array(json::items(*group, "options"), [&](const json::Value& option) {
+        RoofChoice choice;
+        choice.packages = static_cast<int>(json::number(option, "value").value_or(0));
+        const auto roofs =
+            engine.getRoofs(configuration, threadingOf(m_session, choice), perspectiveOf(choice));
+        writer.object([&] {
+            writer.member("caption", json::text(option, "caption"));
+            writer.key("packageCount");
+            writer.Int(choice.packages);
+            writer.key("roofs");
+            writer.rounded(roofs.empty() ? "[]" : roofs);
+        });
     });
 }
 
@@ -86,8 +113,10 @@ void Result::writeHead(Writer& writer, Dictionary& dictionary) const {
     writer.member("program", models.all->getProgramInfo().name);
     writer.member("file", m_file);
     writer.member("machine", m_session.result->machineName());
-    writer.member("place", kind.place(threadingOf(m_session, {}), models));
+    writer.member("place", say(kind.place(threadingOf(m_session, {}), models)));
     writer.member("kind", lower(kind.name));
+    writer.key("isProjection");
+    writer.Bool(kind.isProjection);
     const auto frame = engine.getReportTemplate(nullptr);
     writer.key("template");
     writer.rounded(frame.empty() ? "{}" : frame);

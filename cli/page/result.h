@@ -44,6 +44,7 @@ public:
 private:
     void writeHead(Writer& writer, Dictionary& dictionary) const;
     void writeRoofs(Writer& writer, const std::string& operations) const;
+    void writeSetUps(Writer& writer, const std::string& configuration) const;
 
     Session m_session;
     std::string m_file;

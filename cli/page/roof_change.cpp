@@ -16,30 +16,65 @@ namespace {
 
 using json::Value;
 
-constexpr std::array<std::string_view, 6> kMembers{"result",      "id",           "value",
-                                                   "threadCount", "packageCount", "single"};
-constexpr double kMostThreads = 1 << 20, kMostPackages = 1 << 10;  // as on the command line
 constexpr double kLargestRoof = 1e19;
 
 [[noreturn]] void refuse(std::string_view member, std::string_view expected) {
     throw UsageError(fmt::format("{}: expected {}", member, expected));
 }
 
-double wholeNumber(const Value& body, const char* name, double most) {
-    const auto value = json::number(body, name);
-    if (!value || *value < 0.0 || *value > most || *value != std::floor(*value))
-        refuse(name, fmt::format("a whole number from 0 to {:.0f}", most));
-    return *value;
+// A member of the body; `value` is null when it isn't there.
+struct Field {
+    const char* name;
+    const Value* value;
+};
+
+std::optional<double> numberIn(const Field& field, double least, double most) {
+    if (!field.value || !field.value->IsNumber()) return {};
+    const auto number = field.value->GetDouble();
+    return number >= least && number <= most ? std::optional(number) : std::nullopt;
 }
 
-std::optional<std::uint64_t> readValue(const Value& body) {
-    const auto* const value = json::member(body, "value");
-    if (value && value->IsNull()) return {};
-    const auto number = json::number(body, "value");
-    if (!number || *number < 1.0 || *number > kLargestRoof)
-        refuse("value", "a number from 1 to 1e19 per second, or null");
-    return static_cast<std::uint64_t>(std::round(*number));
+int wholeNumber(const Field& field, int most) {
+    const auto number = numberIn(field, 0, most);
+    if (!number || *number != std::floor(*number))
+        refuse(field.name, fmt::format("a whole number from 0 to {}", most));
+    return static_cast<int>(*number);
 }
+
+// The one list of what a body may have, in the order in which its faults are told.
+struct Member {
+    const char* name;
+    bool isNeeded;
+    void (*read)(RoofChange& change, const Field& field);
+};
+constexpr std::array<Member, 6> kMembers{{
+    {"result", true,
+     [](RoofChange& change, const Field& field) {
+         change.result = static_cast<std::size_t>(wholeNumber(field, 1));
+     }},
+    {"value", true,
+     [](RoofChange& change, const Field& field) {
+         if (field.value && field.value->IsNull()) return;
+         const auto number = numberIn(field, 1.0, kLargestRoof);
+         if (!number) refuse(field.name, "a number from 1 to 1e19 per second, or null");
+         change.value = static_cast<std::uint64_t>(std::round(*number));
+     }},
+    {"id", true,
+     [](RoofChange& change, const Field& field) {
+         change.id = wholeNumber(field, std::numeric_limits<std::int32_t>::max());
+     }},
+    {"threadCount", false,
+     [](RoofChange& change, const Field& field) { change.roofs.threads = wholeNumber(field, kMostThreads); }},
+    {"packageCount", false,
+     [](RoofChange& change, const Field& field) {
+         change.roofs.packages = wholeNumber(field, kMostPackages);
+     }},
+    {"single", false,
+     [](RoofChange& change, const Field& field) {
+         if (!field.value->IsBool()) refuse(field.name, "true or false");
+         change.roofs.single = field.value->GetBool();
+     }},
+}};
 
 rapidjson::Document parseBody(const std::string& text) {
     try {
@@ -57,20 +92,14 @@ RoofChange parseRoofChange(const std::string& text) {
     if (!body.IsObject()) throw UsageError("the body: expected an object");
     for (const auto& member : body.GetObject()) {
         const std::string_view name(member.name.GetString(), member.name.GetStringLength());
-        if (std::find(kMembers.begin(), kMembers.end(), name) == kMembers.end())
+        const auto isIt = [&](const Member& known) { return known.name == name; };
+        if (std::none_of(kMembers.begin(), kMembers.end(), isIt))
             throw UsageError(fmt::format("there is no member '{}'", shorten(cleanText(name), 40)));
     }
     RoofChange change;
-    change.result = static_cast<std::size_t>(wholeNumber(body, "result", 1));
-    change.value = readValue(body);
-    change.id = static_cast<int>(wholeNumber(body, "id", std::numeric_limits<std::int32_t>::max()));
-    if (json::member(body, "threadCount"))
-        change.roofs.threads = static_cast<int>(wholeNumber(body, "threadCount", kMostThreads));
-    if (json::member(body, "packageCount"))
-        change.roofs.packages = static_cast<int>(wholeNumber(body, "packageCount", kMostPackages));
-    if (const auto* const single = json::member(body, "single")) {
-        if (!single->IsBool()) refuse("single", "true or false");
-        change.roofs.single = single->GetBool();
+    for (const auto& member : kMembers) {
+        const Field field{member.name, json::member(body, member.name)};
+        if (field.value || member.isNeeded) member.read(change, field);
     }
     return change;
 }

@@ -1,6 +1,7 @@
 // Rows as columns.
 #include "cli/page/rows.h"
 
+#include "cli/cells.h"
 #include "cli/page/texts.h"
 #include "cli/unplaced_rows.h"
 
@@ -13,35 +14,30 @@ namespace {
 
 using namespace data_models2;
 
-constexpr auto kSelfData = "1";
-
-class Cells {
+// What a reader of rows asks for beside their lines.
+class RowCells {
 public:
-    Cells(const IDataset& dataset, const Rows::Node& row) : m_dataset(dataset), m_row(row) {}
+    explicit RowCells(const IDataset& dataset)
+        : m_dataset(dataset),
+          m_type(dataset.getColumn(FieldId::LoopType)),
+          m_detail(dataset.getColumn(FieldId::TypeDetail)),
+          m_calls(dataset.getColumn(FieldId::CallCount)),
+          m_vectorised(dataset.getColumn(FieldId::Vectorized)) {}
 
-    std::string text(FieldId field) const {
-        std::string value;
-        const auto column = m_dataset.getColumn(field);
-        return column && m_dataset.getString(m_row, column, 0, value) ? value : std::string();
-    }
-    std::optional<double> number(FieldId field) const {
-        variant_t value;
-        const auto column = m_dataset.getColumn(field);
-        if (!column || !m_dataset.getValue(m_row, column, 0, value)) return {};
-        return value.toDouble();
+    void read(Rows& rows, const Rows::Node& row) const {
+        auto type = textIn(m_dataset, row, m_type);
+        const auto detail = textIn(m_dataset, row, m_detail);
+        if (!type.empty() && !detail.empty()) type += ' ';
+        rows.types.push_back(type + detail);
+        rows.calls.push_back(numberIn(m_dataset, row, m_calls));
+        const auto vectorised = numberIn(m_dataset, row, m_vectorised);
+        rows.vectorised.push_back(vectorised ? std::optional(*vectorised != 0.0) : std::nullopt);
     }
 
 private:
     const IDataset& m_dataset;
-    const Rows::Node& m_row;
+    const sptr_t<ColumnNode> m_type, m_detail, m_calls, m_vectorised;
 };
-
-std::string typeOf(const Cells& cells) {
-    auto type = cells.text(FieldId::LoopType);
-    const auto detail = cells.text(FieldId::TypeDetail);
-    if (!type.empty() && !detail.empty()) type += ' ';
-    return type + detail;
-}
 
 // Why a row has no verdict; empty when it has one.
 std::string causeOf(const RowLine& line) {
@@ -89,14 +85,12 @@ Rows readRowsOf(const Session& session) {
     const RowRooflines rooflines(session, kSelfData, {});
     rows.lines = readRows(session, rooflines);
     const auto& dataset = rooflines.dataset();
+    if (!dataset) return rows;
+    const RowCells cells(*dataset);
     forEachChartRow(dataset, [&](const Rows::Node& row) {
         rows.places.emplace(std::to_string(row->getId()), rows.nodes.size());
         rows.nodes.push_back(row);
-        const Cells cells(*dataset, row);
-        rows.types.push_back(typeOf(cells));
-        rows.calls.push_back(cells.number(FieldId::CallCount));
-        const auto vectorised = cells.number(FieldId::Vectorized);
-        rows.vectorised.push_back(vectorised ? std::optional(*vectorised != 0.0) : std::nullopt);
+        cells.read(rows, row);
     });
     return rows;
 }

@@ -12,6 +12,9 @@
 
 namespace cli::page {
 
+// The option of a row's own data, without what it calls.
+inline constexpr auto kSelfData = "1";
+
 struct Rows {
     using Node = data_models2::sptr_t<data_models2::RowNode>;
 

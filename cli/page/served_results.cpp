@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include <atomic>
 #include <sys/stat.h>
 #include <utility>
 
@@ -61,18 +62,18 @@ ServedResults::Stamps ServedResults::stamps() const {
 
 void ServedResults::open() {
     // Looked at before they are read: what is written meanwhile is seen as a change.
-    auto known = stamps();
+    const auto before = stamps();
     auto source = m_request.source;
     if (m_version > 0) source.language.clear();  // chosen once for the process
     auto results = openResults(source, m_request.compare);
 
     UntilClosed progress(m_bulletin);
-    auto model = requestOf(results, progress);
+    auto asked = requestOf(results, progress);
     const auto giveUp = [&] {
         if (progress.isCancelled()) throw Cancelled("cancelled");
     };
     giveUp();
-    model.language = m_request.source.language;
+    asked.language = m_request.source.language;
     const auto version = m_version + 1;
     Writer live;
     live.object([&] {
@@ -82,25 +83,32 @@ void ServedResults::open() {
         live.key("compare");
         live.Bool(results.size() > 1);
     });
-    model.live = live.take();
-    auto page = makePage(m_resources, {titleOf(results), model.language, true}, Model(model, giveUp).text(0));
+    asked.live = live.take();
+    auto page = makePage(m_resources, {titleOf(results), asked.language, true}, Model(asked, giveUp).text(0));
 
     m_results = std::move(results);
-    known.merge(stamps());  // with machine files that weren't known before
-    m_known = m_seen = std::move(known);
+    // Of the files that these results name, which may be others than before.
+    auto now = stamps();
+    for (auto& [path, stamp] : now)
+        if (const auto earlier = before.find(path); earlier != before.end()) stamp = earlier->second;
+    m_known = m_seen = std::move(now);
     m_version = version;
     m_bulletin.publish(version, std::move(page));
 }
 
-void ServedResults::reload() {
+std::string ServedResults::reload() {
     auto known = stamps();
     m_read = std::chrono::steady_clock::now();
     try {
         open();
-    } catch (const Cancelled&) {
+        return {};
+    } catch (const Cancelled& error) {
+        return error.what();
     } catch (const std::exception& error) {
         m_known = std::move(known);
-        m_bulletin.tell(cleanText(error.what()));
+        auto fault = cleanText(error.what());
+        m_bulletin.tell(fault);
+        return fault;
     }
 }
 
@@ -125,7 +133,8 @@ void ServedResults::changeRoof(const std::string& body) {
     else
         clearOwnRoofs(session, change.roofs);
     // Every verdict may depend on the roof. The file that was written just now is known from then on.
-    reload();
+    if (const auto fault = reload(); !fault.empty())
+        throw std::runtime_error("the roofs are kept, but the page can't be made anew: " + fault);
 }
 
 }  // namespace cli::page

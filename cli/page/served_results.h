@@ -36,7 +36,8 @@ public:
     const Result& at(std::size_t index) const { return m_results.at(index); }
 
     // Does what the body of `POST roof` says, then publishes a page with the new roofs. Throws UsageError for
-    // a body that can't be meant, std::runtime_error when the values can't be kept; nothing has changed then.
+    // a body that can't be meant, std::runtime_error when the values can't be kept (nothing has changed then)
+    // or the page can't be made anew (the values are kept, and the text says so).
     void changeRoof(const std::string& body);
 
 private:
@@ -50,7 +51,8 @@ private:
     using Stamps = std::map<std::string, Stamp>;
     static Stamp stampOf(const std::string& path);
     Stamps stamps() const;
-    void reload();
+    // Why what was shown stays; empty: it doesn't.
+    std::string reload();
 
     const Request m_request;
     const Resources& m_resources;

@@ -3,7 +3,9 @@
 
 #include "host_interfaces/host_functions.h"
 
-#include <boost/algorithm/string/replace.hpp>
+#include "cli/text.h"
+
+#include <boost/algorithm/string/join.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -36,21 +38,28 @@ void writeTexts(Writer& writer) {
     });
 }
 
-std::string translateWords(std::string_view kind, const std::string& words) {
+std::string messageOf(std::string_view kind, const std::string& words) {
     auto id = fmt::format("page_{}_{}", kind, words);
     std::transform(id.begin(), id.end(), id.begin(), [](unsigned char c) {
         return std::isalnum(c) ? static_cast<char>(std::tolower(c)) : '_';
     });
-    return say(id, words, {});
+    return id;
+}
+
+std::string translateWords(std::string_view kind, const std::string& words) {
+    return say(messageOf(kind, words), words, {});
 }
 
 std::string say(const std::string& id, std::string_view fallback, const std::vector<std::string>& arguments) {
     if (catalogue() && catalogue()->has(id))
         return catalogue()->format(id, {arguments.begin(), arguments.end()});
-    std::string text(fallback);
-    for (std::size_t i = 0; i < arguments.size(); ++i)
-        boost::replace_all(text, fmt::format("%{}", i + 1), arguments[i]);
-    return text;
+    return fillIn(fallback, arguments);
+}
+
+std::string say(const std::vector<Phrase>& phrases) {
+    std::vector<std::string> texts;
+    for (const auto& phrase : phrases) texts.push_back(say(phrase.message, phrase.english, phrase.arguments));
+    return boost::algorithm::join(texts, " ");
 }
 
 }  // namespace cli::page

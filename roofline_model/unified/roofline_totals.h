@@ -31,7 +31,8 @@ SRooflineTotal getRooflineTotal(const sptr_t<IDataset>& dataset, OperationsType 
 
 }  // namespace roofline::helpers
 
-// A total in the form of the document.
+// A total in the form of the document. Its values are those of the kinds' tables that a program has as a
+// whole: `effectiveBand`, which tables of devices have, is of single rows.
 struct RooflineAttrsTotal {
     std::string name;
     double x = 0.0;  // log10 of the arithmetic intensity

@@ -1,12 +1,15 @@
 // The served page, asked through HTTP as a browser and others would.
 #include "cli/page/live_page.h"
 #include "cli/page/opening.h"
+#include "cli/page/quiet_thread.h"
 #include "tests/cli/program_run.h"
 
 #include <gmock/gmock.h>
 
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
+#include <cstdlib>
 #include <future>
 #include <httplib.h>
 #include <mutex>
@@ -103,6 +106,8 @@ TEST_F(Serve, TurnsStrangersAndNonsenseAway) {
         {under(""), {{"Host", "127.0.0.1:1"}}, 403},
         {under(""), {{"Origin", "http://elsewhere.example"}}, 403},
         {under(""), {{"Origin", "null"}}, 403},
+        {under(""), {{"Origin", "https://" + own}}, 403},
+        {under("roofs?result=0&operations=f"), {{"Range", "bytes=0-99999"}}, 416},
         {"/", {}, 404},
         {"/" + live->token(), {}, 404},
         {"/" + wrong + "/", {}, 404},
@@ -145,6 +150,9 @@ TEST_F(Serve, SetsRoofsForThoseWhoMay) {
     for (const auto& [body, headers, type, status] : rows)
         EXPECT_EQ(post(body, headers, type)->status, status) << body.substr(0, 60);
     EXPECT_EQ(client().Post(under("roof"), set, "application/json")->status, 403) << "no token in the header";
+    const httplib::Headers wrong{{"X-Roofline-Token", std::string(live->token().size(), '0')}};
+    EXPECT_EQ(client().Post(under("roof"), wrong, set, "application/json")->status, 403);
+    EXPECT_EQ(client().Post(under("roofs?result=0&operations=f"), set, "application/json")->status, 405);
     EXPECT_EQ(embedded_host::readFile(machine), machineText);
 
     Listener listener(live->port(), under("events"));
@@ -157,9 +165,67 @@ TEST_F(Serve, SetsRoofsForThoseWhoMay) {
     EXPECT_THAT(get("")->body, HasSubstr("<title>"));
     EXPECT_EQ(listener.waitFor("data: 3").find("data: 4"), std::string::npos);
 
+    file("result.json", "{");
+    const auto halfDone = post(set);
+    EXPECT_EQ(halfDone->status, 409) << "kept, but not to be shown";
+    EXPECT_THAT(halfDone->body, HasSubstr("result.json"));
     std::filesystem::remove(machine);
     EXPECT_EQ(post(set)->status, 409);
     live.reset();
+}
+
+TEST_F(Serve, LoadsOnceForAnotherMachine) {
+    file("other.json", machineText);
+    auto changed = resultText;
+    changed.replace(changed.find("\"machine.json"), 13, "\"other.json");
+    Listener listener(live->port(), under("events"));
+    file("result.json", changed);
+    listener.waitFor("data: 2");
+    std::this_thread::sleep_for(2s);  // for a second load
+    EXPECT_EQ(listener.waitFor("data: 2").find("data: 3"), std::string::npos);
+    live.reset();
+}
+
+// Once the address is out, a client sends a request byte by byte while the program is told to end.
+class DrippingClient : public std::stringbuf {
+public:
+    ~DrippingClient() override { m_thread.join(); }
+
+protected:
+    int sync() override {
+        if (m_thread.joinable()) return 0;
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_port = htons(static_cast<std::uint16_t>(std::stoi(str().substr(str().rfind(':') + 1))));
+        const auto client = ::socket(AF_INET, SOCK_STREAM, 0);
+        if (::connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) return -1;
+        m_thread = page::startQuietly([client] {
+            for (int i = 0; i < 60 && ::send(client, "G", 1, MSG_NOSIGNAL) == 1; ++i) {
+                if (i == 2) ::kill(::getpid(), SIGTERM);
+                std::this_thread::sleep_for(200ms);
+            }
+        });
+        return 0;
+    }
+
+private:
+    std::thread m_thread;
+};
+
+TEST_F(Serve, EndsInTimeWhateverClientsDo) {
+    if (!page::resources()) GTEST_SKIP() << "no page in this build";
+    live.reset();
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto serve = [this] {
+        DrippingClient client;
+        std::ostream out(&client), err(nullptr);
+        Console console{out, err};
+        std::_Exit(runServe(request, console));
+    };
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EXIT(serve(), ::testing::ExitedWithCode(kDone), "");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 8s);
 }
 
 TEST_F(Serve, TellsChangesFaultsAndItsEnd) {

@@ -28,8 +28,9 @@ using testing::HasSubstr;
 
 const std::vector<std::string> kMessageIds{
 #define OMBRIX_MESSAGE(id) id,
-#include "cli/page/message_ids.inc"
 #include "host_interfaces/message_ids.inc"
+
+#include "cli/page/message_ids.inc"
 #undef OMBRIX_MESSAGE
 };
 
