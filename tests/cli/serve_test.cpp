@@ -15,14 +15,6 @@
 #include <mutex>
 #include <thread>
 
-#ifdef __SANITIZE_THREAD__
-// The distribution's HTTP library isn't compiled with the sanitizer, which thus sees its reads and writes of
-// memory by way of memcpy and send, and not how it orders them.
-extern "C" const char* __tsan_default_suppressions() {
-    return "called_from_lib:libcpp-httplib.so\nrace:httplib::detail::send_socket\n";
-}
-#endif
-
 namespace cli {
 namespace {
 
