@@ -43,8 +43,8 @@ private:
     sigset_t m_before;
 };
 
-// Ends the program, as done, when it lives too long: the server waits for requests that come byte by byte as
-// long as their clients like. Custom roofs replace their file at once, so that none is left half written.
+// Ends the program, as done, when it lives too long: a large result may just be read anew. Custom roofs
+// replace their file at once, so that none is left half written.
 class Deadline {
 public:
     Deadline()

@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 packages=(
     g++ cmake ninja-build ccache python3                            # tools
     libboost-dev libfmt-dev liblog4cplus-dev rapidjson-dev          # the library and its host
-    libcli11-dev zlib1g-dev libcpp-httplib-dev pkg-config           # the program
+    libcli11-dev zlib1g-dev                                         # the program
     libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev    # tests and benchmarks
     "$@"
 )

@@ -9,20 +9,16 @@ News Bulletin::read() const {
     return m_news;
 }
 
-News Bulletin::wait(std::uint64_t known, std::chrono::milliseconds limit) const {
-    std::unique_lock lock(m_mutex);
-    m_changed.wait_for(lock, limit, [&] { return m_news.number != known; });
-    return m_news;
+void Bulletin::setListener(std::function<void()> hear) {
+    const std::lock_guard lock(m_mutex);
+    m_hear = std::move(hear);
 }
 
 template <class Change>
 void Bulletin::change(Change&& change) {
-    {
-        const std::lock_guard lock(m_mutex);
-        change(m_news);
-        ++m_news.number;
-    }
-    m_changed.notify_all();
+    const std::lock_guard lock(m_mutex);
+    change(m_news);
+    if (m_hear) m_hear();
 }
 
 void Bulletin::publish(int version, std::string page) {

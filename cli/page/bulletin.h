@@ -1,9 +1,8 @@
 // What the engine's thread tells all others of a served page: its text, its version, and what went wrong.
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -11,8 +10,7 @@
 namespace cli::page {
 
 struct News {
-    std::uint64_t number = 0;  // rises with every change of what follows
-    int version = 0;           // of the page
+    int version = 0;  // of the page
     std::shared_ptr<const std::string> page;
     std::string fault;  // why the files as they are now aren't shown; empty: they are
     bool isClosed = false;
@@ -22,8 +20,9 @@ struct News {
 class Bulletin {
 public:
     News read() const;
-    // Waits until the number is another one than `known` or the time has passed.
-    News wait(std::uint64_t known, std::chrono::milliseconds limit) const;
+    // `hear` is called after each change, from the thread of the change, and must not come back here. Once
+    // another one is set (or an empty one), it is no more.
+    void setListener(std::function<void()> hear);
 
     // Takes the fault away.
     void publish(int version, std::string page);
@@ -36,8 +35,8 @@ private:
     void change(Change&& change);
 
     mutable std::mutex m_mutex;
-    mutable std::condition_variable m_changed;
     News m_news;
+    std::function<void()> m_hear;
 };
 
 }  // namespace cli::page

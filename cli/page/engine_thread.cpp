@@ -5,6 +5,9 @@
 
 #include "cli/page/quiet_thread.h"
 
+#include <chrono>
+#include <utility>
+
 namespace cli::page {
 namespace {
 
@@ -17,22 +20,27 @@ EngineThread::EngineThread(Duties duties)
 
 EngineThread::~EngineThread() { stop(); }
 
-void EngineThread::post(std::function<void()> job) {
-    const std::lock_guard lock(m_mutex);
-    if (m_isStopping) throw NotNow(kStopping);
-    m_jobs.push_back(std::move(job));
-    m_changed.notify_one();
+void EngineThread::post(Job job) {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_isStopping) {
+            m_jobs.push_back(std::move(job));
+            m_changed.notify_one();
+            return;
+        }
+    }
+    job.drop();
 }
 
 void EngineThread::stop() {
-    std::deque<std::function<void()>> dropped;  // ends outside the lock: who waits is told
+    std::deque<Job> dropped;
     {
         const std::lock_guard lock(m_mutex);
         m_isStopping = true;
         dropped.swap(m_jobs);
     }
     m_changed.notify_one();
-    dropped.clear();
+    for (const auto& job : dropped) job.drop();
     if (m_thread.joinable()) m_thread.join();
 }
 
@@ -43,14 +51,14 @@ void EngineThread::work() {
     while (!m_isStopping) {
         m_changed.wait_until(lock, nextTick, [this] { return m_isStopping || !m_jobs.empty(); });
         if (m_isStopping) break;
-        std::function<void()> job;
+        Job job;
         if (!m_jobs.empty()) {
             job = std::move(m_jobs.front());
             m_jobs.pop_front();
         }
         lock.unlock();
-        if (job) job();
-        job = nullptr;  // what it holds may be the last of a result
+        if (job.run) job.run();
+        job = {};  // what it holds may be the last of a result
         embedded_host::pumpTasks(std::chrono::milliseconds::zero());
         if (Clock::now() >= nextTick) {
             m_duties.tick();

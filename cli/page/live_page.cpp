@@ -1,17 +1,21 @@
 #include "cli/page/live_page.h"
 
+#include <future>
+
 namespace cli::page {
 
 LivePage::LivePage(const ServeRequest& request, const Resources& resources)
     : m_token(makeToken()),
       m_results({request.source, request.compare, m_token}, resources, m_bulletin),
       m_engine({[this] { m_results.lookAgain(); }, [this] { m_results.close(); }}) {
-    m_engine.ask([this] { m_results.open(); }, std::chrono::hours(24));
+    std::packaged_task<void()> opening([this] { m_results.open(); });
+    m_engine.post({[&] { opening(); }, [] {}});
+    opening.get_future().get();
     m_server = std::make_unique<Server>(
         Served{m_engine, m_results, m_bulletin, resources, m_token, !request.compare.empty()}, request.port);
 }
 
-// Who waits is told first: the server ends when its last answer is out.
+// Who waits is told first: the server ends once its last answer is out.
 LivePage::~LivePage() {
     m_bulletin.close();
     m_engine.stop();

@@ -1,47 +1,45 @@
-// The only file of the program that includes the HTTP library.
+// Who may ask for what, and where the answers come from.
 #include "cli/page/server.h"
 
+#include "cli/page/connection.h"
+#include "cli/page/event_stream.h"
+#include "cli/page/query.h"
 #include "cli/page/quiet_thread.h"
-#include "cli/text.h"
 
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/address_v4.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/beast/http/write.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <charconv>
 #include <functional>
-#include <httplib.h>
+#include <future>
+#include <set>
+#include <sstream>
 #include <sys/random.h>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace cli::page {
 namespace {
 
-using httplib::Request;
-using httplib::Response;
-using std::chrono::milliseconds;
+namespace asio = boost::asio;
+using http::field;
+using http::status;
 using std::chrono::seconds;
+using Error = boost::system::error_code;
 
-constexpr auto kJson = "application/json";
-// The library bounds a line of a request's head only once it has read it all: a program on this machine can
-// make this one large, which it could as well do with its own memory.
-constexpr std::size_t kMostBody = 4096, kMostParameter = 256;
-// A stream of events holds a thread for as long as its page is open.
-constexpr int kMostStreams = 48, kWorkers = 8;
-constexpr milliseconds kAnswerLimit = std::chrono::minutes(1);
-
-// An answer other than what was asked for.
-struct Refusal {
-    int status = 500;
-    std::string reason;  // empty: nothing is told
-};
-
-[[noreturn]] void refuse(int status, std::string reason) { throw Refusal{status, std::move(reason)}; }
+// A value of an address, in bytes.
+constexpr std::size_t kMostParameter = 256;
+constexpr std::size_t kMostConnections = 128, kMostStreams = 48;
+constexpr seconds kAnswerLimit(60), kEndLimit(2);
 
 // Takes as long for a wrong text as for the right one, whatever they have in common.
-bool isSame(const std::string& given, const std::string& secret) {
+bool isSame(std::string_view given, std::string_view secret) {
     if (given.size() != secret.size()) return false;
     volatile unsigned difference = 0;
     for (std::size_t i = 0; i < secret.size(); ++i)
@@ -49,40 +47,14 @@ bool isSame(const std::string& given, const std::string& secret) {
     return difference == 0;
 }
 
-// As a stream of known length: the library would compress a text, which takes longer than the way to the
-// browser next door. The library doesn't check that the piece it asks for is one of the text.
-void answer(Response& response, std::shared_ptr<const std::string> text, const char* type) {
-    const auto size = text->size();
-    response.status = 200;
-    response.set_content_provider(
-        size, type, [text = std::move(text)](std::size_t at, std::size_t length, httplib::DataSink& sink) {
-            if (at > text->size()) return false;
-            return sink.write(text->data() + at, std::min(length, text->size() - at));
-        });
-}
+std::string_view viewOf(boost::beast::string_view text) { return {text.data(), text.size()}; }
 
-std::string errorJson(const std::string& reason) {
-    Writer writer;
-    writer.object([&] { writer.member("error", cleanText(reason)); });
-    return writer.take();
-}
-
-void write(Response& response, const Refusal& refusal) {
-    response.status = refusal.status;
-    response.set_content(errorJson(refusal.reason.empty() ? "there is nothing here" : refusal.reason), kJson);
-}
-
-std::string parameter(const Request& request, const char* name) {
-    if (request.get_param_value_count(name) != 1) refuse(400, fmt::format("{}: expected one value", name));
-    auto value = request.get_param_value(name);
-    if (value.size() > kMostParameter) refuse(400, fmt::format("{}: the value is too long", name));
-    return value;
-}
-
-// Only with SO_REUSEADDR: the library's own choice lets another program share the port.
-void setSocketOptions(socket_t socket) {
-    const int yes = 1;
-    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+const std::string& parameter(const Address& address, const char* name) {
+    const auto* const value = address.find(name);
+    if (!value) refuse(status::bad_request, fmt::format("{}: expected one value", name));
+    if (value->size() > kMostParameter)
+        refuse(status::bad_request, fmt::format("{}: the value is too long", name));
+    return *value;
 }
 
 }  // namespace
@@ -94,290 +66,280 @@ std::string makeToken() {
     return fmt::format("{:02x}", fmt::join(bytes, ""));
 }
 
-class Server::Impl {
+class Server::Impl final : public Answerer {
 public:
-    Impl(Served served, int port) : m_served(std::move(served)), m_root('/' + m_served.token + '/') {
-        setUp();
-        m_port = bind(port);
-        for (const auto* const host : {"127.0.0.1", "localhost", "[::1]"}) {
-            m_hosts.push_back(fmt::format("{}:{}", host, m_port));
-            if (m_port == 80) m_hosts.emplace_back(host);
-        }
-        m_thread = startQuietly([this] {
-            m_http.listen_after_bind();
-            m_hasEnded = true;
-        });
-        // `stop` does nothing earlier.
-        while (!m_http.is_running() && !m_hasEnded) std::this_thread::yield();
-    }
-    ~Impl() {
-        m_http.stop();
-        m_thread.join();
-    }
+    Impl(Served served, int port);
+    ~Impl();
 
     std::string address() const { return fmt::format("http://127.0.0.1:{}{}", m_port, m_root); }
     int port() const { return m_port; }
 
 private:
-    using Answer = void (Impl::*)(const Request&, Response&);
+    using Answer = void (Impl::*)(const Address&, Connection&);
     struct Resource {
         std::string_view name;
-        Answer get;
+        http::verb verb;
+        Answer answer;
     };
-    static constexpr auto resources() {
-        return std::array<Resource, 5>{{{"", &Impl::page},
-                                        {"chart", &Impl::chart},
-                                        {"roofs", &Impl::roofs},
-                                        {"details", &Impl::details},
-                                        {"events", &Impl::events}}};
-    }
+    static const std::array<Resource, 6> kResources;
 
-    void setUp();
-    int bind(int port);
+    void open(int port);
+    void accept();
+    void end();
 
-    // All throw Refusal.
+    const http::response_header<>& head() const override { return m_head; }
+    void check(const Request& request) const override;
+    void answer(Connection& connection) override;
+    void began(Connection& connection) override { m_connections.insert(&connection); }
+    void ended(Connection& connection) override { m_connections.erase(&connection); }
+
+    // These throw Refusal.
     void checkWhoAsks(const Request& request) const;
-    std::string nameOf(const Request& request) const;
+    const Resource& resourceOf(const Request& request) const;
     void checkBody(const Request& request) const;
-    bool handle(const Request& request, Response& response);
 
-    void page(const Request& request, Response& response);
-    void chart(const Request& request, Response& response);
-    void roofs(const Request& request, Response& response);
-    void details(const Request& request, Response& response);
-    void events(const Request& request, Response& response);
-    void setRoof(const Request& request, Response& response);
+    void page(const Address& address, Connection& connection);
+    void chart(const Address& address, Connection& connection);
+    void roofs(const Address& address, Connection& connection);
+    void details(const Address& address, Connection& connection);
+    void events(const Address& address, Connection& connection);
+    void setRoof(const Address& address, Connection& connection);
 
-    using AskOne = std::function<std::string(const Result&)>;
-    void askResult(const Request& request, Response& response, int statusOfUsage, AskOne askOne);
     struct Statuses {
-        int ofUsage;  // of a UsageError, and of any other
-        int ofFailure;
+        status ofUsage;  // of a UsageError, and of any other
+        status ofFailure;
     };
-    std::shared_ptr<const std::string> ask(std::function<std::string()> job, Statuses statuses);
+    void ask(Connection& connection, std::function<std::string()> job, Statuses statuses);
+    using AskOne = std::function<std::string(const Result&)>;
+    void askResult(const Address& address, Connection& connection, status ofUsage, AskOne askOne);
 
-    Served m_served;
+    const Served m_served;
     const std::string m_root;
+    http::response_header<> m_head;
     std::vector<std::string> m_hosts;
-    std::atomic<int> m_streams = 0;
-    std::atomic<bool> m_hasEnded = false;
     int m_port = 0;
-    httplib::Server m_http;
+
+    // Those that live, by their own word: they leave when the context lets go of them, never within a call,
+    // and before these sets do.
+    std::set<Connection*> m_connections;
+    std::set<EventStream*> m_streams;
+
+    asio::io_context m_context{1};  // run by one thread
+    Tcp::acceptor m_acceptor{m_context};
+    asio::steady_timer m_pause{m_context};
+    std::promise<void> m_done;  // everything is answered
     std::thread m_thread;
 };
 
-// One function decides on every request before a body is read: nothing depends on patterns of paths.
-void Server::Impl::setUp() {
-    const auto policy = policyOf(m_served.resources, true) + "; frame-ancestors 'none'";
-    m_http.set_default_headers({{"Content-Security-Policy", policy},
-                                {"X-Content-Type-Options", "nosniff"},
-                                {"Referrer-Policy", "no-referrer"},
-                                {"Cache-Control", "no-store"},
-                                {"X-Frame-Options", "DENY"}});
-    m_http.new_task_queue = [] { return new httplib::ThreadPool(kMostStreams + kWorkers); };
-    m_http.set_socket_options(setSocketOptions);
-    m_http.set_tcp_nodelay(true);
-    // A connection for each request: an idle one would hold a thread, and the end of the program too.
-    m_http.set_keep_alive_max_count(1);
-    m_http.set_keep_alive_timeout(1);
-    m_http.set_read_timeout(seconds(2));
-    m_http.set_payload_max_length(kMostBody);
+const std::array<Server::Impl::Resource, 6> Server::Impl::kResources{{
+    {"", http::verb::get, &Impl::page},
+    {"chart", http::verb::get, &Impl::chart},
+    {"roofs", http::verb::get, &Impl::roofs},
+    {"details", http::verb::get, &Impl::details},
+    {"events", http::verb::get, &Impl::events},
+    {"roof", http::verb::post, &Impl::setRoof},
+}};
 
-    const auto guarded = [](auto call, Response& response) {
-        try {
-            return call();
-        } catch (const Refusal& refusal) {
-            write(response, refusal);
-        } catch (const std::exception& error) {
-            write(response, {500, error.what()});
-        }
-        return true;
-    };
-    m_http.set_pre_routing_handler([this, guarded](const Request& request, Response& response) {
-        return guarded([&] { return handle(request, response); }, response)
-                   ? httplib::Server::HandlerResponse::Handled
-                   : httplib::Server::HandlerResponse::Unhandled;
+Server::Impl::Impl(Served served, int port)
+    : m_served(std::move(served)), m_root('/' + m_served.token + '/') {
+    m_head.set("Content-Security-Policy", policyOf(m_served.resources, true) + "; frame-ancestors 'none'");
+    m_head.set("X-Content-Type-Options", "nosniff");
+    m_head.set("Referrer-Policy", "no-referrer");
+    m_head.set("Cache-Control", "no-store");
+    m_head.set("X-Frame-Options", "DENY");
+    open(port);
+    for (const auto* const host : {"127.0.0.1", "localhost", "[::1]"}) {
+        m_hosts.push_back(fmt::format("{}:{}", host, m_port));
+        if (m_port == 80) m_hosts.emplace_back(host);
+    }
+    accept();
+    m_thread = startQuietly([this] {
+        m_context.run();
+        m_done.set_value();
     });
-    // Reached by what `handle` has let through.
-    m_http.Post(".*", [this, guarded](const Request& request, Response& response) {
-        const auto set = [&] {
-            setRoof(request, response);
-            return true;
-        };
-        guarded(set, response);
+    m_served.bulletin.setListener([this] {
+        asio::post(m_context, [this] {
+            for (auto* const stream : m_streams) stream->look();
+        });
     });
-    // Of the library's own refusals, such as of addresses that are too long.
-    const httplib::Server::Handler explain = [](const Request&, Response& response) {
-        if (response.body.empty()) write(response, {response.status, "the request can't be understood"});
-    };
-    m_http.set_error_handler(explain);
 }
 
-int Server::Impl::bind(int port) {
-    const auto* const host = "127.0.0.1";
-    const auto got = port == 0 ? m_http.bind_to_any_port(host) : m_http.bind_to_port(host, port) ? port : -1;
-    if (got <= 0) throw std::runtime_error(fmt::format("port {} is in use or not allowed", port));
-    return got;
+// Answers that are under way go out, unless their readers are too slow.
+Server::Impl::~Impl() {
+    m_served.bulletin.setListener({});
+    asio::post(m_context, [this] { end(); });
+    if (m_done.get_future().wait_for(kEndLimit) != std::future_status::ready) m_context.stop();
+    m_thread.join();
+}
+
+void Server::Impl::open(int port) {
+    const Tcp::endpoint here(asio::ip::address_v4::loopback(), static_cast<unsigned short>(port));
+    Error error;
+    m_acceptor.open(here.protocol(), error);
+    // A port that was served a moment ago is free; one that is being served isn't.
+    if (!error) m_acceptor.set_option(Tcp::acceptor::reuse_address(true), error);
+    if (!error) m_acceptor.bind(here, error);
+    if (!error) m_acceptor.listen(asio::socket_base::max_listen_connections, error);
+    if (error)
+        throw std::runtime_error(fmt::format("port {} is in use or not allowed: {}", port, error.message()));
+    m_port = m_acceptor.local_endpoint().port();
+}
+
+void Server::Impl::accept() {
+    m_acceptor.async_accept([this](Error error, Tcp::socket socket) {
+        if (!m_acceptor.is_open()) return;
+        if (error) {  // such as too many open files, which is so for a while
+            m_pause.expires_after(std::chrono::milliseconds(100));
+            return m_pause.async_wait([this](Error stopped) {
+                if (!stopped) accept();
+            });
+        }
+        if (m_connections.size() < kMostConnections)
+            std::make_shared<Connection>(std::move(socket), *this)->start();
+        accept();
+    });
+}
+
+void Server::Impl::end() {
+    m_pause.cancel();
+    m_acceptor.close();
+    for (auto* const stream : m_streams) stream->close();
+    for (auto* const connection : m_connections) connection->stop();
+}
+
+void Server::Impl::check(const Request& request) const {
+    checkWhoAsks(request);
+    if (request.count(field::range) > 0)
+        refuse(status::range_not_satisfiable, "answers come whole, not in ranges");
+    if (resourceOf(request).verb == http::verb::post) checkBody(request);
 }
 
 // A page of elsewhere whose name was made to lead here has that name in its requests.
 void Server::Impl::checkWhoAsks(const Request& request) const {
-    const auto isOwn = [&](const std::string& host) {
+    const auto isOwn = [&](std::string_view host) {
         return std::find(m_hosts.begin(), m_hosts.end(), host) != m_hosts.end();
     };
-    const std::string_view http = "http://";
-    const auto origin = request.get_header_value("Origin");
-    const auto origins = request.get_header_value_count("Origin");
-    if (request.get_header_value_count("Host") != 1 || !isOwn(request.get_header_value("Host")) ||
-        origins > 1 || (origins == 1 && (origin.rfind(http, 0) != 0 || !isOwn(origin.substr(http.size())))))
-        refuse(403, "only pages of this program may ask");
+    constexpr std::string_view kHttp = "http://";
+    const auto host = viewOf(request[field::host]), origin = viewOf(request[field::origin]);
+    const auto origins = request.count(field::origin);
+    if (request.count(field::host) != 1 || !isOwn(host) || origins > 1 ||
+        (origins == 1 && (origin.substr(0, kHttp.size()) != kHttp || !isOwn(origin.substr(kHttp.size())))))
+        refuse(status::forbidden, "only pages of this program may ask");
 }
 
-std::string Server::Impl::nameOf(const Request& request) const {
-    if (!isSame(request.path.substr(0, m_root.size()), m_root)) refuse(404, {});
-    return request.path.substr(m_root.size());
+const Server::Impl::Resource& Server::Impl::resourceOf(const Request& request) const {
+    const auto target = viewOf(request.target());
+    const auto path = target.substr(0, target.find('?'));
+    if (!isSame(path.substr(0, m_root.size()), m_root)) refuse(status::not_found, {});
+    const auto* const found = std::find_if(kResources.begin(), kResources.end(), [&](const Resource& each) {
+        return each.name == path.substr(m_root.size());
+    });
+    if (found == kResources.end()) refuse(status::not_found, {});
+    if (found->verb != request.method()) {
+        const bool isPost = found->verb == http::verb::post;
+        refuse(status::method_not_allowed, isPost ? "only POST changes roofs" : "only GET reads",
+               isPost ? "POST" : "GET");
+    }
+    return *found;
 }
 
-// A length that is known bounds what is read; packed bodies would be unpacked.
+// A length that is known bounds what is read; packed bodies would have to be unpacked.
 void Server::Impl::checkBody(const Request& request) const {
-    if (!isSame(request.get_header_value("X-Roofline-Token"), m_served.token))
-        refuse(403, "the header X-Roofline-Token is missing or wrong");
-    const auto type = request.get_header_value("Content-Type");
-    if (type.substr(0, type.find(';')) != kJson || request.has_header("Content-Encoding"))
-        refuse(415, "expected a body of application/json");
-    const auto length = request.get_header_value("Content-Length");
-    if (request.has_header("Transfer-Encoding") || length.empty()) refuse(411, "expected Content-Length");
-    std::size_t bytes = 0;
-    const auto end = std::from_chars(length.data(), length.data() + length.size(), bytes);
-    if (end.ec != std::errc() || end.ptr != length.data() + length.size() || bytes > kMostBody)
-        refuse(413, fmt::format("expected at most {} bytes", kMostBody));
+    if (!isSame(viewOf(request["X-Roofline-Token"]), m_served.token))
+        refuse(status::forbidden, "the header X-Roofline-Token is missing or wrong");
+    const auto type = viewOf(request[field::content_type]);
+    if (type.substr(0, type.find(';')) != kJson || request.count(field::content_encoding) > 0)
+        refuse(status::unsupported_media_type, "expected a body of application/json");
+    if (request.count(field::content_length) != 1) refuse(status::length_required, "expected Content-Length");
 }
 
-// False for what needs its body.
-bool Server::Impl::handle(const Request& request, Response& response) {
-    checkWhoAsks(request);
-    const auto name = nameOf(request);
-    const auto all = resources();
-    const auto found =
-        std::find_if(all.begin(), all.end(), [&](const Resource& each) { return each.name == name; });
-    const bool isRoof = name == "roof";
-    if (request.has_header("Range")) refuse(416, "answers come whole, not in ranges");
-    if (found == all.end() && !isRoof) refuse(404, {});
-    if (request.method != (isRoof ? "POST" : "GET")) {
-        response.set_header("Allow", isRoof ? "POST" : "GET");
-        refuse(405, isRoof ? "only POST changes roofs" : "only GET reads");
+void Server::Impl::answer(Connection& connection) {
+    const auto& request = connection.request();
+    try {
+        const auto address = parseAddress(viewOf(request.target()));
+        (this->*resourceOf(request).answer)(address, connection);
+    } catch (const UsageError& error) {
+        refuse(status::bad_request, error.what());
     }
-    if (isRoof) {
-        checkBody(request);
-        return false;
-    }
-    (this->*found->get)(request, response);
-    return true;
 }
 
-// Exceptions stay on the engine's thread: what they tell comes over as a value.
-std::shared_ptr<const std::string> Server::Impl::ask(std::function<std::string()> job, Statuses statuses) {
-    struct Outcome {
-        std::shared_ptr<const std::string> text;  // null: refused
-        Refusal refusal;
+// What the job tells comes over as a value: an exception stays on the engine's thread. The connection is let
+// go on its own.
+void Server::Impl::ask(Connection& connection, std::function<std::string()> job, Statuses statuses) {
+    const auto tell = [this, weak = connection.weak_from_this()](Reply reply) {
+        asio::post(m_context, [weak, reply = std::move(reply)] {
+            if (const auto waiting = weak.lock()) waiting->send(reply);
+        });
     };
-    const auto work = [job = std::move(job), statuses]() -> Outcome {
+    connection.wait(kAnswerLimit);
+    const auto run = [tell, job = std::move(job), statuses] {
         try {
-            return {std::make_shared<const std::string>(job()), {}};
+            tell({status::ok, std::make_shared<const std::string>(job())});
         } catch (const UsageError& error) {
-            return {nullptr, {statuses.ofUsage, error.what()}};
+            tell(Refusal{statuses.ofUsage, error.what()}.reply());
         } catch (const std::exception& error) {
-            return {nullptr, {statuses.ofFailure, error.what()}};
+            tell(Refusal{statuses.ofFailure, error.what()}.reply());
         }
     };
-    try {
-        auto outcome = m_served.engine.ask(work, kAnswerLimit);
-        if (outcome.text) return outcome.text;
-        throw std::move(outcome.refusal);
-    } catch (const NotNow& error) {
-        refuse(503, error.what());
-    }
+    m_served.engine.post({run, [tell] {
+                              tell(Refusal{status::service_unavailable, "the program is stopping"}.reply());
+                          }});
 }
 
-void Server::Impl::askResult(const Request& request, Response& response, int statusOfUsage, AskOne askOne) {
-    const auto result = parameter(request, "result");
+void Server::Impl::askResult(const Address& address, Connection& connection, status ofUsage, AskOne askOne) {
+    const auto& result = parameter(address, "result");
     if (result != "0" && !(m_served.isComparison && result == "1"))
-        refuse(400, m_served.isComparison ? "result: expected 0 or 1" : "result: expected 0");
+        refuse(status::bad_request, m_served.isComparison ? "result: expected 0 or 1" : "result: expected 0");
     auto job = [&results = m_served.results, index = result == "1" ? 1U : 0U, askOne = std::move(askOne)] {
         return askOne(results.at(index));
     };
-    answer(response, ask(std::move(job), {statusOfUsage, 500}), kJson);
+    ask(connection, std::move(job), {ofUsage, status::internal_server_error});
 }
 
-void Server::Impl::page(const Request&, Response& response) {
-    answer(response, m_served.bulletin.read().page, "text/html; charset=utf-8");
+void Server::Impl::page(const Address&, Connection& connection) {
+    connection.send({status::ok, m_served.bulletin.read().page, "text/html; charset=utf-8"});
 }
 
-void Server::Impl::chart(const Request& request, Response& response) {
-    askResult(request, response, 400, [configuration = parameter(request, "config")](const Result& result) {
-        return result.chart(configuration);
-    });
+void Server::Impl::chart(const Address& address, Connection& connection) {
+    const auto& configuration = parameter(address, "config");
+    askResult(address, connection, status::bad_request,
+              [configuration](const Result& result) { return result.chart(configuration); });
 }
 
-void Server::Impl::roofs(const Request& request, Response& response) {
-    askResult(request, response, 400, [operations = parameter(request, "operations")](const Result& result) {
-        return result.roofs(operations);
-    });
+void Server::Impl::roofs(const Address& address, Connection& connection) {
+    const auto& operations = parameter(address, "operations");
+    askResult(address, connection, status::bad_request,
+              [operations](const Result& result) { return result.roofs(operations); });
 }
 
-void Server::Impl::details(const Request& request, Response& response) {
-    askResult(request, response, 404,
-              [id = parameter(request, "id")](const Result& result) { return result.details(id); });
+void Server::Impl::details(const Address& address, Connection& connection) {
+    const auto& id = parameter(address, "id");
+    askResult(address, connection, status::not_found,
+              [id](const Result& result) { return result.details(id); });
 }
 
-void Server::Impl::setRoof(const Request& request, Response& response) {
-    auto job = [&results = m_served.results, body = request.body] {
+void Server::Impl::setRoof(const Address&, Connection& connection) {
+    auto job = [&results = m_served.results, body = connection.request().body()] {
         results.changeRoof(body);
         return std::string("{}");
     };
-    answer(response, ask(std::move(job), {400, 409}), kJson);
+    ask(connection, std::move(job), {status::bad_request, status::conflict});
 }
 
 // What a page hears from then on. It names its own version, as the files may have changed since it was read.
-void Server::Impl::events(const Request& request, Response& response) {
-    if (m_streams.fetch_add(1) >= kMostStreams) {
-        --m_streams;
-        refuse(503, "too many pages are open");
-    }
-    struct Stream {
-        std::uint64_t number = 0;
-        int version = 0;
-        std::string fault;
-        std::chrono::steady_clock::time_point told = {};  // long ago: the first word opens the stream
-    };
-    auto stream = std::make_shared<Stream>();
-    stream->version = m_served.bulletin.read().version;
-    if (request.has_param("version")) {
-        const auto known = request.get_param_value("version");
-        std::from_chars(known.data(), known.data() + known.size(), stream->version);
-    }
-    response.set_chunked_content_provider(
-        "text/event-stream",
-        [&bulletin = m_served.bulletin, stream](std::size_t, httplib::DataSink& sink) {
-            constexpr seconds kHeartbeat(15), kLook(1);
-            const auto news = bulletin.wait(stream->number, kLook);
-            if (news.isClosed) {
-                sink.done();
-                return true;
-            }
-            if (!sink.is_writable()) return false;
-            std::string text;
-            if (news.version != stream->version)
-                text += fmt::format("event: changed\ndata: {}\n\n", news.version);
-            if (!news.fault.empty() && news.fault != stream->fault)
-                text += fmt::format("event: fault\ndata: {}\n\n", news.fault);
-            const auto now = std::chrono::steady_clock::now();
-            if (text.empty() && now - stream->told > kHeartbeat) text = ":\n\n";
-            *stream = {news.number, news.version, news.fault, text.empty() ? stream->told : now};
-            return text.empty() || sink.write(text.data(), text.size());
-        },
-        [this](bool) { --m_streams; });
-    response.status = 200;
+void Server::Impl::events(const Address& address, Connection& connection) {
+    if (m_streams.size() >= kMostStreams) refuse(status::service_unavailable, "too many pages are open");
+    auto version = m_served.bulletin.read().version;
+    if (const auto* const known = address.find("version"))
+        std::from_chars(known->data(), known->data() + known->size(), version);
+    auto head = m_head;
+    head.result(status::ok);
+    head.set(field::content_type, "text/event-stream");
+    head.set(field::connection, "close");
+    auto stream = std::make_shared<EventStream>(connection.release(), m_served.bulletin, version,
+                                                [this](EventStream* ended) { m_streams.erase(ended); });
+    m_streams.insert(stream.get());
+    stream->start((std::ostringstream() << head).str());
 }
 
 Server::Server(Served served, int port) : m_impl(std::make_unique<Impl>(std::move(served), port)) {}

@@ -25,8 +25,8 @@ struct Served {
     bool isComparison = false;
 };
 
-// Answers from its own threads until it is destroyed, as docs/page_model.md says under "Served". The bulletin
-// is closed before, so that streams of events come to an end.
+// Answers from its own thread until it is destroyed, as docs/page_model.md says under "Served". The engine's
+// thread is stopped before, so that nobody waits for it.
 class Server {
 public:
     // `port` 0: a free one. Throws std::runtime_error when the port can't be had.

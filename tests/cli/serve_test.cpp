@@ -1,24 +1,29 @@
 // The served page, asked through HTTP as a browser and others would.
 #include "cli/page/live_page.h"
 #include "cli/page/opening.h"
+#include "cli/page/query.h"
 #include "cli/page/quiet_thread.h"
+#include "tests/cli/http_client.h"
 #include "tests/cli/program_run.h"
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <csignal>
 #include <cstdlib>
 #include <future>
-#include <httplib.h>
-#include <mutex>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <thread>
 
 namespace cli {
 namespace {
 
 using namespace std::chrono_literals;
+using test::Headers;
+using test::HttpAnswer;
+using test::Listener;
 using ::testing::HasSubstr;
 
 const std::string kFolder = OMBRIX_SOURCE_DIR "/examples/quick/";
@@ -34,46 +39,19 @@ protected:
     const ServeRequest request{{result, {}, {}}, {}, 0};
     std::unique_ptr<page::LivePage> live = std::make_unique<page::LivePage>(request, kResources);
 
-    httplib::Client client() const { return httplib::Client("127.0.0.1", live->port()); }
     std::string under(const std::string& path) const { return '/' + live->token() + '/' + path; }
-    httplib::Result get(const std::string& path, const httplib::Headers& headers = {}) {
-        return client().Get(under(path), headers);
+    HttpAnswer ask(const std::string& method, const std::string& target, const Headers& headers = {},
+                   const std::string& body = {}) const {
+        return test::askHttp(live->port(), method, target, headers, body);
     }
-    httplib::Result post(const std::string& body, httplib::Headers headers = {},
-                         const char* type = "application/json") {
-        headers.emplace("X-Roofline-Token", live->token());
-        return client().Post(under("roof"), headers, body, type);
+    HttpAnswer get(const std::string& path, const Headers& headers = {}) const {
+        return ask("GET", under(path), headers);
     }
-};
-
-// Listens to the events of a page until it is told enough.
-class Listener {
-public:
-    explicit Listener(int port, const std::string& path)
-        : m_client("127.0.0.1", port), m_thread([this, path] {
-              m_client.Get(path, [this](const char* text, std::size_t size) {
-                  const std::lock_guard lock(m_mutex);
-                  m_heard.append(text, size);
-                  m_changed.notify_all();
-                  return true;
-              });
-              const std::lock_guard lock(m_mutex);
-              m_heard += "END";
-              m_changed.notify_all();
-          }) {}
-    ~Listener() { m_thread.join(); }
-    std::string waitFor(const std::string& text) {
-        std::unique_lock lock(m_mutex);
-        m_changed.wait_for(lock, 20s, [&] { return m_heard.find(text) != std::string::npos; });
-        return m_heard;
+    HttpAnswer post(const std::string& body, const Headers& more = {}) const {
+        Headers headers{{"X-Roofline-Token", live->token()}, {"Content-Type", "application/json"}};
+        headers.insert(headers.end(), more.begin(), more.end());
+        return ask("POST", under("roof"), headers, body);
     }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::string m_heard;
-    httplib::Client m_client;
-    std::thread m_thread;
 };
 
 TEST_F(Serve, AnswersWhatTheBuilderGives) {
@@ -88,17 +66,17 @@ TEST_F(Serve, AnswersWhatTheBuilderGives) {
                     {"details?result=0&id=" + id, own.details(id)}};
     }
     live = std::make_unique<page::LivePage>(request, kResources);
-    for (const auto& [path, body] : expected) EXPECT_EQ(get(path)->body, body) << path;
+    for (const auto& [path, body] : expected) EXPECT_EQ(get(path).body, body) << path;
     const auto page = get("");
-    EXPECT_THAT(page->body, HasSubstr("<title>"));
-    EXPECT_THAT(page->get_header_value("Content-Security-Policy"), HasSubstr("connect-src 'self'"));
-    EXPECT_EQ(page->get_header_value("Cache-Control"), "no-store");
+    EXPECT_THAT(page.body, HasSubstr("<title>"));
+    EXPECT_THAT(page.headers.at("Content-Security-Policy"), HasSubstr("connect-src 'self'"));
+    EXPECT_EQ(page.headers.at("Cache-Control"), "no-store");
 }
 
 TEST_F(Serve, TurnsStrangersAndNonsenseAway) {
     const auto own = "127.0.0.1:" + std::to_string(live->port());
     const auto wrong = std::string(live->token().size(), '0');
-    const std::tuple<std::string, httplib::Headers, int> rows[] = {
+    const std::tuple<std::string, Headers, int> rows[] = {
         {under(""),
          {{"Host", "localhost:" + std::to_string(live->port())}, {"Origin", "http://" + own}},
          200},
@@ -123,54 +101,72 @@ TEST_F(Serve, TurnsStrangersAndNonsenseAway) {
         {under("chart?config=" + std::string(9000, 'f')), {}, 414},
     };
     for (const auto& [path, headers, status] : rows) {
-        const auto answer = client().Get(path, headers);
-        ASSERT_TRUE(answer) << path;
-        EXPECT_EQ(answer->status, status) << path;
-        EXPECT_EQ(answer->body.find(status == 200 ? "<title>" : R"({"error":")"), 0u) << answer->body;
+        const auto answer = ask("GET", path, headers);
+        EXPECT_EQ(answer.status, status) << path;
+        EXPECT_EQ(answer.body.find(status == 200 ? "<title>" : R"({"error":")"), 0u) << answer.body;
     }
+}
+
+TEST_F(Serve, AnswersWhatIsNoRequest) {
+    const auto host = " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(live->port()) + "\r\n";
+    const std::pair<std::string, std::string> rows[] = {
+        {"\x16\x03\x01 GET / of another protocol\r\n\r\n", "400 "},
+        {"GET " + under("") + host + "A: " + std::string(20000, 'a') + "\r\n\r\n", "431 "},
+        {"GET " + under("") + " HTTP/1.1\r\n\r\n", "403 "},
+        {"GET http://127.0.0.1" + under("") + host + "\r\n", "404 "},
+        {"HEAD " + under("") + host + "\r\n", "405 "},
+        {"GET " + under("") + host + "Content-Length: 5000\r\n\r\n", "413 "},
+        {"POST " + under("roof") + host + "X-Roofline-Token: " + live->token() +
+             "\r\nContent-Type: application/json\r\nTransfer-Encoding: chunked\r\n\r\n",
+         "411 "},
+    };
+    for (const auto& [text, status] : rows)
+        EXPECT_EQ(test::sayRaw(live->port(), text).find("HTTP/1.1 " + status), 0u) << text.substr(0, 60);
+    const auto head = test::sayRaw(live->port(), rows[4].first);
+    EXPECT_EQ(head.find("\r\n\r\n"), head.size() - 4) << "without a body";
 }
 
 TEST_F(Serve, SetsRoofsForThoseWhoMay) {
     const std::string set =
         R"({"result":0,"id":6,"value":4e10,"threadCount":0,"packageCount":0,"single":false})";
-    const auto before = get("roofs?result=0&operations=f")->body;
-    const std::tuple<std::string, httplib::Headers, const char*, int> rows[] = {
-        {set, {{"Origin", "http://elsewhere.example"}}, "application/json", 403},
-        {set, {}, "text/plain", 415},
-        {set, {{"Content-Encoding", "gzip"}}, "application/json", 415},
-        {set + std::string(4096, ' '), {}, "application/json", 413},
-        {"{\"result\":0,\"id\":6", {}, "application/json", 400},
-        {R"({"result":0,"id":6})", {}, "application/json", 400},
-        {R"({"result":0,"id":6,"value":-1})", {}, "application/json", 400},
-        {R"({"result":0,"id":6,"value":1e300})", {}, "application/json", 400},
-        {R"({"result":1,"id":6,"value":1})", {}, "application/json", 400},
-        {R"({"result":0,"id":4711,"value":1})", {}, "application/json", 400},
-        {R"({"result":0,"id":6,"value":1,"threads":4})", {}, "application/json", 400},
+    const auto before = get("roofs?result=0&operations=f").body;
+    const std::tuple<std::string, Headers, int> rows[] = {
+        {set, {{"Origin", "http://elsewhere.example"}}, 403},
+        {set, {{"X-Roofline-Token", ""}}, 403},
+        {set, {{"X-Roofline-Token", std::string(live->token().size(), '0')}}, 403},
+        {set, {{"Content-Type", "text/plain"}}, 415},
+        {set, {{"Content-Encoding", "gzip"}}, 415},
+        {set + std::string(4096, ' '), {}, 413},
+        {"", {}, 411},
+        {"{\"result\":0,\"id\":6", {}, 400},
+        {R"({"result":0,"id":6})", {}, 400},
+        {R"({"result":0,"id":6,"value":-1})", {}, 400},
+        {R"({"result":0,"id":6,"value":1e300})", {}, 400},
+        {R"({"result":1,"id":6,"value":1})", {}, 400},
+        {R"({"result":0,"id":4711,"value":1})", {}, 400},
+        {R"({"result":0,"id":6,"value":1,"threads":4})", {}, 400},
     };
-    for (const auto& [body, headers, type, status] : rows)
-        EXPECT_EQ(post(body, headers, type)->status, status) << body.substr(0, 60);
-    EXPECT_EQ(client().Post(under("roof"), set, "application/json")->status, 403) << "no token in the header";
-    const httplib::Headers wrong{{"X-Roofline-Token", std::string(live->token().size(), '0')}};
-    EXPECT_EQ(client().Post(under("roof"), wrong, set, "application/json")->status, 403);
-    EXPECT_EQ(client().Post(under("roofs?result=0&operations=f"), set, "application/json")->status, 405);
+    for (const auto& [body, headers, status] : rows)
+        EXPECT_EQ(post(body, headers).status, status) << body.substr(0, 60);
+    EXPECT_EQ(ask("POST", under("roofs?result=0&operations=f"), {}, set).status, 405);
     EXPECT_EQ(embedded_host::readFile(machine), machineText);
 
     Listener listener(live->port(), under("events"));
     listener.waitFor(":\n\n");
-    EXPECT_EQ(post(set)->body, "{}");
-    EXPECT_THAT(get("roofs?result=0&operations=f")->body, HasSubstr(R"("id":6,"val":40000000000)"));
-    EXPECT_EQ(post(R"({"result":0,"id":0,"value":null})")->status, 200);
-    EXPECT_EQ(get("roofs?result=0&operations=f")->body, before);
+    EXPECT_EQ(post(set).body, "{}");
+    EXPECT_THAT(get("roofs?result=0&operations=f").body, HasSubstr(R"("id":6,"val":40000000000)"));
+    EXPECT_EQ(post(R"({"result":0,"id":0,"value":null})").status, 200);
+    EXPECT_EQ(get("roofs?result=0&operations=f").body, before);
     std::this_thread::sleep_for(2s);  // for a change that would be taken for a foreign one
-    EXPECT_THAT(get("")->body, HasSubstr("<title>"));
+    EXPECT_THAT(get("").body, HasSubstr("<title>"));
     EXPECT_EQ(listener.waitFor("data: 3").find("data: 4"), std::string::npos);
 
     file("result.json", "{");
     const auto halfDone = post(set);
-    EXPECT_EQ(halfDone->status, 409) << "kept, but not to be shown";
-    EXPECT_THAT(halfDone->body, HasSubstr("result.json"));
+    EXPECT_EQ(halfDone.status, 409) << "kept, but not to be shown";
+    EXPECT_THAT(halfDone.body, HasSubstr("result.json"));
     std::filesystem::remove(machine);
-    EXPECT_EQ(post(set)->status, 409);
+    EXPECT_EQ(post(set).status, 409);
     live.reset();
 }
 
@@ -234,12 +230,12 @@ TEST_F(Serve, TellsChangesFaultsAndItsEnd) {
         tabs.push_back(std::make_unique<Listener>(live->port(), under("events?version=1")));
     file("result.json", "{");
     EXPECT_THAT(tabs.front()->waitFor("event: fault"), HasSubstr("result.json"));
-    EXPECT_EQ(get("roofs?result=0&operations=f")->status, 200) << "what was read stays";
+    EXPECT_EQ(get("roofs?result=0&operations=f").status, 200) << "what was read stays";
     auto changed = resultText;
     changed.replace(changed.find("\"name\": \""), 9, "\"name\": \"other_");
     file("result.json", changed);
     for (const auto& tab : tabs) EXPECT_THAT(tab->waitFor("data: 2"), HasSubstr("event: changed"));
-    EXPECT_THAT(get("")->body, HasSubstr("<title>other_"));
+    EXPECT_THAT(get("").body, HasSubstr("<title>other_"));
     Listener late(live->port(), under("events?version=1"));
     EXPECT_THAT(late.waitFor("data: 2"), HasSubstr("event: changed")) << "changed since its page was read";
 
@@ -249,23 +245,34 @@ TEST_F(Serve, TellsChangesFaultsAndItsEnd) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, 3s);
 }
 
-TEST(EngineThread, AnswersThoseWhoWaitWhenItStops) {
+TEST(EngineThread, TellsThoseWhoWaitWhenItStops) {
     std::promise<void> started, goOn;
+    std::atomic<int> run = 0, dropped = 0;
+    const page::EngineThread::Job counted{[&] { ++run; }, [&] { ++dropped; }};
     page::EngineThread engine({[] {}, [] {}});
-    const auto running = std::async(std::launch::async, [&] {
-        engine.ask([&] { started.set_value(), goOn.get_future().wait(); }, 1min);
-    });
+    engine.post({[&] { started.set_value(), goOn.get_future().wait(); }, [] {}});
     started.get_future().wait();
-    EXPECT_THROW(engine.ask([] {}, 10ms), page::NotNow) << "busy";
-    auto waiting = std::async(std::launch::async, [&] { engine.ask([] {}, 1min); });
+    engine.post(counted);
     auto stopping = std::async(std::launch::async, [&] { engine.stop(); });
-    while (waiting.wait_for(1ms) != std::future_status::ready &&
-           stopping.wait_for(0ms) != std::future_status::ready) {
-    }
-    EXPECT_THROW(waiting.get(), page::NotNow);
+    while (dropped == 0) std::this_thread::yield();
+    EXPECT_NE(stopping.wait_for(0ms), std::future_status::ready) << "what runs is waited for";
     goOn.set_value();
     stopping.get();
-    EXPECT_THROW(engine.ask([] { return 1; }, 1min), page::NotNow);
+    engine.post(counted);
+    EXPECT_EQ(dropped, 2);
+    EXPECT_EQ(run, 0);
+}
+
+TEST(Address, IsTakenApart) {
+    const auto address = page::parseAddress("/a%20/b?x=1%2b2+3&y&x=4&%7a==&&e=");
+    EXPECT_EQ(address.path, "/a%20/b");
+    EXPECT_EQ(address.find("x"), nullptr) << "there are two";
+    ASSERT_TRUE(address.find("z") && address.find("e") && address.find("y"));
+    EXPECT_EQ(*address.find("z"), "=");
+    EXPECT_EQ(*address.find("y"), "");
+    EXPECT_EQ(page::parseAddress("?x=1%2b2+3").values.front().second, "1+2 3");
+    for (const auto* const target : {"?%", "?a=%4", "?a=%4g", "?a=%-1"})
+        EXPECT_THROW(page::parseAddress(target), UsageError) << target;
 }
 
 }  // namespace
