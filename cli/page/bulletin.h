@@ -1,7 +1,6 @@
 // What the engine's thread tells all others of a served page: its text, its version, and what went wrong.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>

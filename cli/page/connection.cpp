@@ -18,7 +18,13 @@ using std::chrono::seconds;
 
 constexpr std::size_t kMostHead = 16384, kMostTarget = 8192;
 // A request has to be there within that time, however it comes.
-constexpr seconds kReadLimit(5), kWriteLimit(30), kDrainLimit(1);
+constexpr seconds kReadLimit(5), kAnswerLimit(60), kWriteLimit(30), kLingerLimit(1);
+
+// What was sent isn't HTTP. A client that closes within a request hears no answer.
+bool isOfProtocol(boost::beast::error_code error) {
+    return error.category() == make_error_code(http::error::bad_method).category() &&
+           error != http::error::end_of_stream && error != http::error::partial_message;
+}
 
 }  // namespace
 
@@ -33,14 +39,15 @@ void refuse(http::status status, std::string reason, const char* allow) {
     throw Refusal{status, std::move(reason), allow};
 }
 
-Connection::Connection(Tcp::socket socket, Answerer& answerer)
-    : m_answerer(answerer), m_stream(std::move(socket)), m_limit(m_stream.get_executor()) {
+Connection::Connection(Tcp::socket socket, Answerer& answerer, All& all)
+    : m_place(all, this),
+      m_answerer(answerer),
+      m_stream(std::move(socket)),
+      m_limit(m_stream.get_executor()),
+      m_buffer(kMostHead + kMostBody) {
     m_parser.header_limit(kMostHead);
     m_parser.body_limit(kMostBody);
-    m_answerer.began(*this);
 }
-
-Connection::~Connection() { m_answerer.ended(*this); }
 
 // A handler that goes on with `next`, or ends.
 template <void (Connection::*next)()>
@@ -93,13 +100,12 @@ void Connection::refuseUnread(Error error) {
                  .reply());
     else if (error == http::error::header_limit)
         send(Refusal{http::status::request_header_fields_too_large, "the head is too long"}.reply());
-    else if (error.category() == make_error_code(http::error::bad_method).category() &&
-             error != http::error::end_of_stream && error != http::error::partial_message)
+    else if (isOfProtocol(error))
         send(Refusal{http::status::bad_request, "the request can't be understood"}.reply());
 }
 
-void Connection::wait(std::chrono::milliseconds limit) {
-    m_limit.expires_after(limit);
+void Connection::wait() {
+    m_limit.expires_after(kAnswerLimit);
     m_limit.async_wait([self = shared_from_this()](Error error) {
         if (!error)
             self->send(Refusal{http::status::service_unavailable, "the program is busy: try again"}.reply());
@@ -129,16 +135,18 @@ void Connection::linger() {
     m_state = State::lingering;
     Error ignored;
     m_stream.socket().shutdown(Tcp::socket::shutdown_send, ignored);
-    m_stream.expires_after(kDrainLimit);
+    m_stream.expires_after(kLingerLimit);
+    m_lingersUntil = std::chrono::steady_clock::now() + kLingerLimit;
     drain();
 }
 
+// The stream's own limit is for a client that says nothing: what comes without a pause always comes before.
 void Connection::drain() {
     m_buffer.clear();
-    m_stream.async_read_some(m_buffer.prepare(kMostHead),
-                             [self = shared_from_this()](Error error, std::size_t) {
-                                 if (!error) self->drain();
-                             });
+    const auto goOn = [self = shared_from_this()](Error error, std::size_t) {
+        if (!error && std::chrono::steady_clock::now() < self->m_lingersUntil) self->drain();
+    };
+    m_stream.async_read_some(m_buffer.prepare(kMostHead), goOn);
 }
 
 Tcp::socket Connection::release() {

@@ -1,6 +1,8 @@
 // One request over a socket, and its answer: read within limits of size and time, answered once, closed.
 #pragma once
 
+#include "cli/page/listed.h"
+
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
@@ -49,20 +51,19 @@ public:
     virtual void check(const Request& request) const = 0;
     // Leads to one `send` or `release`, now or later. Throws Refusal.
     virtual void answer(Connection& connection) = 0;
-    virtual void began(Connection& connection) = 0;
-    virtual void ended(Connection& connection) = 0;
 
 protected:
     ~Answerer() = default;
 };
 
-// Owned by the operations that wait for its socket: it ends with the last.
+// Owned by what it waits for, its socket or its time limit: it ends with the last.
 class Connection : public std::enable_shared_from_this<Connection> {
 public:
     static constexpr std::size_t kMostBody = 4096;  // bytes
 
-    Connection(Tcp::socket socket, Answerer& answerer);
-    ~Connection();
+    using All = Listed<Connection>::All;
+
+    Connection(Tcp::socket socket, Answerer& answerer, All& all);
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
@@ -70,8 +71,8 @@ public:
     const Request& request() const { return m_parser.get(); }
     // Only the first answer counts.
     void send(Reply reply);
-    // For a `send` to come; when `limit` has passed, the program is said to be busy.
-    void wait(std::chrono::milliseconds limit);
+    // For a `send` to come; after a minute the program is said to be busy.
+    void wait();
     // The socket, for an answer of another kind.
     Tcp::socket release();
     // Closes it unless it is being answered.
@@ -90,12 +91,14 @@ private:
     void linger();
     void drain();
 
+    Listed<Connection> m_place;
     Answerer& m_answerer;
     boost::beast::tcp_stream m_stream;
     boost::asio::steady_timer m_limit;
     boost::beast::flat_buffer m_buffer;
     http::request_parser<http::string_body> m_parser;
     State m_state = State::reading;
+    std::chrono::steady_clock::time_point m_lingersUntil;
     std::shared_ptr<const std::string> m_text;  // holds the body of what follows
     http::response<http::span_body<const char>> m_response;
 };

@@ -18,15 +18,12 @@ using Error = boost::system::error_code;
 
 }  // namespace
 
-EventStream::EventStream(Socket socket, const Bulletin& bulletin, int version,
-                         std::function<void(EventStream*)> ended)
-    : m_socket(std::move(socket)),
+EventStream::EventStream(Socket socket, const Bulletin& bulletin, int version, All& all)
+    : m_place(all, this),
+      m_socket(std::move(socket)),
       m_bulletin(bulletin),
       m_version(version),
-      m_ended(std::move(ended)),
       m_timer(m_socket.get_executor()) {}
-
-EventStream::~EventStream() { m_ended(this); }
 
 void EventStream::start(std::string head) {
     listen();
@@ -50,7 +47,7 @@ void EventStream::write(std::string text) {
     arm();
     boost::asio::async_write(m_socket, boost::asio::buffer(m_text),
                              [self = shared_from_this()](Error error, std::size_t) {
-                                 if (error) return self->close();
+                                 if (error || !self->m_socket.is_open()) return self->close();
                                  self->m_text.clear();
                                  self->arm();
                                  self->look();
@@ -60,7 +57,8 @@ void EventStream::write(std::string text) {
 void EventStream::arm() {
     m_timer.expires_after(m_text.empty() ? kHeartbeat : kWriteLimit);
     m_timer.async_wait([self = shared_from_this()](Error error) {
-        if (error) return;
+        // Armed anew when its time was already up, it has another one to wait for.
+        if (error || self->m_timer.expiry() > std::chrono::steady_clock::now()) return;
         if (self->m_text.empty())
             self->write(kHeartbeatText);
         else

@@ -2,13 +2,12 @@
 #pragma once
 
 #include "cli/page/bulletin.h"
+#include "cli/page/listed.h"
 
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 
 #include <array>
-#include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -18,10 +17,10 @@ namespace cli::page {
 class EventStream : public std::enable_shared_from_this<EventStream> {
 public:
     using Socket = boost::asio::ip::tcp::socket;
-    // Tells of versions other than `version`. `ended` is called once, at the end; the bulletin outlives it.
-    EventStream(Socket socket, const Bulletin& bulletin, int version,
-                std::function<void(EventStream*)> ended);
-    ~EventStream();
+    using All = Listed<EventStream>::All;
+
+    // Tells of versions other than `version`. The bulletin outlives it.
+    EventStream(Socket socket, const Bulletin& bulletin, int version, All& all);
     EventStream(const EventStream&) = delete;
     EventStream& operator=(const EventStream&) = delete;
 
@@ -36,12 +35,12 @@ private:
     void arm();
     void listen();
 
+    Listed<EventStream> m_place;
     Socket m_socket;
     const Bulletin& m_bulletin;
     int m_version;
     std::string m_fault;  // told last
-    const std::function<void(EventStream*)> m_ended;
-    std::string m_text;  // being written; empty: nothing is
+    std::string m_text;   // being written; empty: nothing is
     boost::asio::steady_timer m_timer;
     std::array<char, 64> m_heard{};
 };

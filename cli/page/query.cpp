@@ -2,11 +2,15 @@
 
 #include "cli/console.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <charconv>
 
 namespace cli::page {
 namespace {
+
+constexpr std::size_t kMostValue = 256;
 
 std::string unescaped(std::string_view text) {
     std::string plain;
@@ -34,22 +38,27 @@ std::string_view takeUntil(std::string_view& text, char separator) {
 
 }  // namespace
 
-const std::string* Address::find(std::string_view name) const {
-    const auto isNamed = [name](const auto& value) { return value.first == name; };
-    const auto found = std::find_if(values.begin(), values.end(), isNamed);
-    if (found == values.end() || std::any_of(found + 1, values.end(), isNamed)) return nullptr;
-    return &found->second;
-}
-
-Address parseAddress(std::string_view target) {
-    Address address;
-    address.path = takeUntil(target, '?');
+Query::Query(std::string_view target) {
+    takeUntil(target, '?');
     while (!target.empty()) {
         auto value = takeUntil(target, '&');
         const auto name = takeUntil(value, '=');
-        address.values.emplace_back(unescaped(name), unescaped(value));
+        m_values.emplace_back(unescaped(name), unescaped(value));
     }
-    return address;
+}
+
+bool Query::has(std::string_view name) const {
+    return std::any_of(m_values.begin(), m_values.end(),
+                       [&](const auto& each) { return each.first == name; });
+}
+
+const std::string& Query::value(std::string_view name) const {
+    const auto isNamed = [&](const auto& each) { return each.first == name; };
+    const auto found = std::find_if(m_values.begin(), m_values.end(), isNamed);
+    if (found == m_values.end() || std::any_of(found + 1, m_values.end(), isNamed))
+        throw UsageError(fmt::format("{}: expected one value", name));
+    if (found->second.size() > kMostValue) throw UsageError(fmt::format("{}: the value is too long", name));
+    return found->second;
 }
 
 }  // namespace cli::page

@@ -1,4 +1,4 @@
-// The address of a request, taken apart.
+// The values that the address of a request gives.
 #pragma once
 
 #include <string>
@@ -8,16 +8,18 @@
 
 namespace cli::page {
 
-struct Address {
-    std::string path;  // as it was written
-    std::vector<std::pair<std::string, std::string>> values;
+class Query {
+public:
+    // What stands behind the question mark of an address, such as "/path?name=value&other". A percent sign
+    // has two hexadecimal digits behind it and stands for that byte; throws UsageError for another one.
+    explicit Query(std::string_view target);
 
-    // Null unless there is exactly one.
-    const std::string* find(std::string_view name) const;
+    bool has(std::string_view name) const;
+    // Throws UsageError unless there is exactly one, of at most 256 bytes.
+    const std::string& value(std::string_view name) const;
+
+private:
+    std::vector<std::pair<std::string, std::string>> m_values;
 };
-
-// "/a/b?name=value&other" has percent signs only as the start of two hexadecimal digits, which then stand for
-// a byte; throws UsageError for others.
-Address parseAddress(std::string_view target);
 
 }  // namespace cli::page

@@ -15,10 +15,12 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <functional>
 #include <future>
-#include <set>
 #include <sstream>
+#include <stdexcept>
+#include <string_view>
 #include <sys/random.h>
 #include <thread>
 #include <utility>
@@ -30,13 +32,18 @@ namespace {
 namespace asio = boost::asio;
 using http::field;
 using http::status;
-using std::chrono::seconds;
 using Error = boost::system::error_code;
 
-// A value of an address, in bytes.
-constexpr std::size_t kMostParameter = 256;
 constexpr std::size_t kMostConnections = 128, kMostStreams = 48;
-constexpr seconds kAnswerLimit(60), kEndLimit(2);
+constexpr std::chrono::seconds kEndLimit(2);
+
+struct Method {
+    http::verb verb;
+    const char* name;
+    const char* rule;
+};
+constexpr Method kRead{http::verb::get, "GET", "only GET reads"},
+    kChange{http::verb::post, "POST", "only POST changes roofs"};
 
 // Takes as long for a wrong text as for the right one, whatever they have in common.
 bool isSame(std::string_view given, std::string_view secret) {
@@ -49,12 +56,12 @@ bool isSame(std::string_view given, std::string_view secret) {
 
 std::string_view viewOf(boost::beast::string_view text) { return {text.data(), text.size()}; }
 
-const std::string& parameter(const Address& address, const char* name) {
-    const auto* const value = address.find(name);
-    if (!value) refuse(status::bad_request, fmt::format("{}: expected one value", name));
-    if (value->size() > kMostParameter)
-        refuse(status::bad_request, fmt::format("{}: the value is too long", name));
-    return *value;
+int wholeNumber(const char* name, const std::string& text) {
+    int number = 0;
+    const auto end = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (end.ec != std::errc() || end.ptr != text.data() + text.size())
+        throw UsageError(fmt::format("{}: expected a whole number", name));
+    return number;
 }
 
 }  // namespace
@@ -75,10 +82,10 @@ public:
     int port() const { return m_port; }
 
 private:
-    using Answer = void (Impl::*)(const Address&, Connection&);
+    using Answer = void (Impl::*)(const Query&, Connection&);
     struct Resource {
         std::string_view name;
-        http::verb verb;
+        const Method& method;
         Answer answer;
     };
     static const std::array<Resource, 6> kResources;
@@ -90,28 +97,26 @@ private:
     const http::response_header<>& head() const override { return m_head; }
     void check(const Request& request) const override;
     void answer(Connection& connection) override;
-    void began(Connection& connection) override { m_connections.insert(&connection); }
-    void ended(Connection& connection) override { m_connections.erase(&connection); }
 
     // These throw Refusal.
     void checkWhoAsks(const Request& request) const;
     const Resource& resourceOf(const Request& request) const;
     void checkBody(const Request& request) const;
 
-    void page(const Address& address, Connection& connection);
-    void chart(const Address& address, Connection& connection);
-    void roofs(const Address& address, Connection& connection);
-    void details(const Address& address, Connection& connection);
-    void events(const Address& address, Connection& connection);
-    void setRoof(const Address& address, Connection& connection);
+    void page(const Query& query, Connection& connection);
+    void chart(const Query& query, Connection& connection);
+    void roofs(const Query& query, Connection& connection);
+    void details(const Query& query, Connection& connection);
+    void events(const Query& query, Connection& connection);
+    void setRoof(const Query& query, Connection& connection);
 
     struct Statuses {
-        status ofUsage;  // of a UsageError, and of any other
-        status ofFailure;
+        status ofUsage;    // of a UsageError
+        status ofFailure;  // of another exception
     };
     void ask(Connection& connection, std::function<std::string()> job, Statuses statuses);
     using AskOne = std::function<std::string(const Result&)>;
-    void askResult(const Address& address, Connection& connection, status ofUsage, AskOne askOne);
+    void askResult(const Query& query, Connection& connection, status ofUsage, AskOne askOne);
 
     const Served m_served;
     const std::string m_root;
@@ -119,10 +124,10 @@ private:
     std::vector<std::string> m_hosts;
     int m_port = 0;
 
-    // Those that live, by their own word: they leave when the context lets go of them, never within a call,
-    // and before these sets do.
-    std::set<Connection*> m_connections;
-    std::set<EventStream*> m_streams;
+    // Those that live. They leave when the context lets go of them: never within a call, and before the sets
+    // do.
+    Connection::All m_connections;
+    EventStream::All m_streams;
 
     asio::io_context m_context{1};  // run by one thread
     Tcp::acceptor m_acceptor{m_context};
@@ -132,12 +137,12 @@ private:
 };
 
 const std::array<Server::Impl::Resource, 6> Server::Impl::kResources{{
-    {"", http::verb::get, &Impl::page},
-    {"chart", http::verb::get, &Impl::chart},
-    {"roofs", http::verb::get, &Impl::roofs},
-    {"details", http::verb::get, &Impl::details},
-    {"events", http::verb::get, &Impl::events},
-    {"roof", http::verb::post, &Impl::setRoof},
+    {"", kRead, &Impl::page},
+    {"chart", kRead, &Impl::chart},
+    {"roofs", kRead, &Impl::roofs},
+    {"details", kRead, &Impl::details},
+    {"events", kRead, &Impl::events},
+    {"roof", kChange, &Impl::setRoof},
 }};
 
 Server::Impl::Impl(Served served, int port)
@@ -148,7 +153,7 @@ Server::Impl::Impl(Served served, int port)
     m_head.set("Cache-Control", "no-store");
     m_head.set("X-Frame-Options", "DENY");
     open(port);
-    for (const auto* const host : {"127.0.0.1", "localhost", "[::1]"}) {
+    for (const auto* const host : {"127.0.0.1", "localhost"}) {
         m_hosts.push_back(fmt::format("{}:{}", host, m_port));
         if (m_port == 80) m_hosts.emplace_back(host);
     }
@@ -157,11 +162,13 @@ Server::Impl::Impl(Served served, int port)
         m_context.run();
         m_done.set_value();
     });
-    m_served.bulletin.setListener([this] {
+    const auto lookAgain = [this] {
         asio::post(m_context, [this] {
             for (auto* const stream : m_streams) stream->look();
         });
-    });
+    };
+    m_served.bulletin.setListener(lookAgain);
+    lookAgain();  // at what came before
 }
 
 // Answers that are under way go out, unless their readers are too slow.
@@ -195,7 +202,7 @@ void Server::Impl::accept() {
             });
         }
         if (m_connections.size() < kMostConnections)
-            std::make_shared<Connection>(std::move(socket), *this)->start();
+            std::make_shared<Connection>(std::move(socket), *this, m_connections)->start();
         accept();
     });
 }
@@ -211,7 +218,10 @@ void Server::Impl::check(const Request& request) const {
     checkWhoAsks(request);
     if (request.count(field::range) > 0)
         refuse(status::range_not_satisfiable, "answers come whole, not in ranges");
-    if (resourceOf(request).verb == http::verb::post) checkBody(request);
+    // In pieces it could be as long as it liked, by what stands between them.
+    if (request.count(field::transfer_encoding) > 0)
+        refuse(status::length_required, "expected Content-Length");
+    if (resourceOf(request).method.verb == http::verb::post) checkBody(request);
 }
 
 // A page of elsewhere whose name was made to lead here has that name in its requests.
@@ -235,17 +245,15 @@ const Server::Impl::Resource& Server::Impl::resourceOf(const Request& request) c
         return each.name == path.substr(m_root.size());
     });
     if (found == kResources.end()) refuse(status::not_found, {});
-    if (found->verb != request.method()) {
-        const bool isPost = found->verb == http::verb::post;
-        refuse(status::method_not_allowed, isPost ? "only POST changes roofs" : "only GET reads",
-               isPost ? "POST" : "GET");
-    }
+    const auto& method = found->method;
+    if (method.verb != request.method()) refuse(status::method_not_allowed, method.rule, method.name);
     return *found;
 }
 
 // A length that is known bounds what is read; packed bodies would have to be unpacked.
 void Server::Impl::checkBody(const Request& request) const {
-    if (!isSame(viewOf(request["X-Roofline-Token"]), m_served.token))
+    if (request.count("X-Roofline-Token") != 1 ||
+        !isSame(viewOf(request["X-Roofline-Token"]), m_served.token))
         refuse(status::forbidden, "the header X-Roofline-Token is missing or wrong");
     const auto type = viewOf(request[field::content_type]);
     if (type.substr(0, type.find(';')) != kJson || request.count(field::content_encoding) > 0)
@@ -256,8 +264,8 @@ void Server::Impl::checkBody(const Request& request) const {
 void Server::Impl::answer(Connection& connection) {
     const auto& request = connection.request();
     try {
-        const auto address = parseAddress(viewOf(request.target()));
-        (this->*resourceOf(request).answer)(address, connection);
+        const Query query(viewOf(request.target()));
+        (this->*resourceOf(request).answer)(query, connection);
     } catch (const UsageError& error) {
         refuse(status::bad_request, error.what());
     }
@@ -271,7 +279,7 @@ void Server::Impl::ask(Connection& connection, std::function<std::string()> job,
             if (const auto waiting = weak.lock()) waiting->send(reply);
         });
     };
-    connection.wait(kAnswerLimit);
+    connection.wait();
     const auto run = [tell, job = std::move(job), statuses] {
         try {
             tell({status::ok, std::make_shared<const std::string>(job())});
@@ -286,8 +294,8 @@ void Server::Impl::ask(Connection& connection, std::function<std::string()> job,
                           }});
 }
 
-void Server::Impl::askResult(const Address& address, Connection& connection, status ofUsage, AskOne askOne) {
-    const auto& result = parameter(address, "result");
+void Server::Impl::askResult(const Query& query, Connection& connection, status ofUsage, AskOne askOne) {
+    const auto& result = query.value("result");
     if (result != "0" && !(m_served.isComparison && result == "1"))
         refuse(status::bad_request, m_served.isComparison ? "result: expected 0 or 1" : "result: expected 0");
     auto job = [&results = m_served.results, index = result == "1" ? 1U : 0U, askOne = std::move(askOne)] {
@@ -296,29 +304,29 @@ void Server::Impl::askResult(const Address& address, Connection& connection, sta
     ask(connection, std::move(job), {ofUsage, status::internal_server_error});
 }
 
-void Server::Impl::page(const Address&, Connection& connection) {
+void Server::Impl::page(const Query&, Connection& connection) {
     connection.send({status::ok, m_served.bulletin.read().page, "text/html; charset=utf-8"});
 }
 
-void Server::Impl::chart(const Address& address, Connection& connection) {
-    const auto& configuration = parameter(address, "config");
-    askResult(address, connection, status::bad_request,
+void Server::Impl::chart(const Query& query, Connection& connection) {
+    const auto& configuration = query.value("config");
+    askResult(query, connection, status::bad_request,
               [configuration](const Result& result) { return result.chart(configuration); });
 }
 
-void Server::Impl::roofs(const Address& address, Connection& connection) {
-    const auto& operations = parameter(address, "operations");
-    askResult(address, connection, status::bad_request,
+void Server::Impl::roofs(const Query& query, Connection& connection) {
+    const auto& operations = query.value("operations");
+    askResult(query, connection, status::bad_request,
               [operations](const Result& result) { return result.roofs(operations); });
 }
 
-void Server::Impl::details(const Address& address, Connection& connection) {
-    const auto& id = parameter(address, "id");
-    askResult(address, connection, status::not_found,
+void Server::Impl::details(const Query& query, Connection& connection) {
+    const auto& id = query.value("id");
+    askResult(query, connection, status::not_found,
               [id](const Result& result) { return result.details(id); });
 }
 
-void Server::Impl::setRoof(const Address&, Connection& connection) {
+void Server::Impl::setRoof(const Query&, Connection& connection) {
     auto job = [&results = m_served.results, body = connection.request().body()] {
         results.changeRoof(body);
         return std::string("{}");
@@ -327,18 +335,16 @@ void Server::Impl::setRoof(const Address&, Connection& connection) {
 }
 
 // What a page hears from then on. It names its own version, as the files may have changed since it was read.
-void Server::Impl::events(const Address& address, Connection& connection) {
+void Server::Impl::events(const Query& query, Connection& connection) {
     if (m_streams.size() >= kMostStreams) refuse(status::service_unavailable, "too many pages are open");
     auto version = m_served.bulletin.read().version;
-    if (const auto* const known = address.find("version"))
-        std::from_chars(known->data(), known->data() + known->size(), version);
+    if (query.has("version")) version = wholeNumber("version", query.value("version"));
     auto head = m_head;
     head.result(status::ok);
     head.set(field::content_type, "text/event-stream");
     head.set(field::connection, "close");
-    auto stream = std::make_shared<EventStream>(connection.release(), m_served.bulletin, version,
-                                                [this](EventStream* ended) { m_streams.erase(ended); });
-    m_streams.insert(stream.get());
+    const auto stream =
+        std::make_shared<EventStream>(connection.release(), m_served.bulletin, version, m_streams);
     stream->start((std::ostringstream() << head).str());
 }
 

@@ -15,7 +15,7 @@ namespace cli::page {
 // there is none.
 std::string makeToken();
 
-// What the server hands out; all of it outlives the server.
+// What the server hands out. What is referred to outlives it.
 struct Served {
     EngineThread& engine;
     ServedResults& results;  // asked on the engine's thread only

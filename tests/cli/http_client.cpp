@@ -50,13 +50,30 @@ HttpAnswer askHttp(int port, const std::string& method, const std::string& targe
     return answer;
 }
 
-std::string sayRaw(int port, const std::string& text) {
+std::string sayRaw(int port, const std::string& text, bool isDone) {
     Dialogue dialogue(port);
     boost::system::error_code error;
     asio::write(dialogue.socket, asio::buffer(text), error);
+    if (isDone) dialogue.socket.shutdown(Tcp::socket::shutdown_send, error);
     std::string answer;
     asio::read(dialogue.socket, asio::dynamic_buffer(answer), error);
     return answer;
+}
+
+Talker::Talker(int port, std::string text, std::chrono::milliseconds pause)
+    : m_thread([this, port, text = std::move(text), pause]() mutable {
+          Dialogue dialogue(port);
+          boost::system::error_code error;
+          for (; !m_isDone && !error; text = "a") {
+              asio::write(dialogue.socket, asio::buffer(text), error);
+              std::this_thread::sleep_for(pause);
+          }
+          m_isCutOff = error.failed();
+      }) {}
+
+Talker::~Talker() {
+    m_isDone = true;
+    m_thread.join();
 }
 
 Listener::Listener(int port, const std::string& target)

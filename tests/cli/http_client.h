@@ -1,6 +1,8 @@
 // HTTP as browsers and others would speak it to the program, and as they would not.
 #pragma once
 
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <map>
 #include <mutex>
@@ -23,8 +25,21 @@ struct HttpAnswer {
 HttpAnswer askHttp(int port, const std::string& method, const std::string& target,
                    const Headers& headers = {}, const std::string& body = {});
 
-// What comes back for these bytes until the server closes.
-std::string sayRaw(int port, const std::string& text);
+// What comes back for these bytes until the server closes, from one who has nothing more to say once
+// `isDone`.
+std::string sayRaw(int port, const std::string& text, bool isDone = false);
+
+// Says `text`, then goes on with a byte after each pause, and never listens.
+class Talker {
+public:
+    Talker(int port, std::string text, std::chrono::milliseconds pause);
+    ~Talker();
+    bool isCutOff() const { return m_isCutOff; }
+
+private:
+    std::atomic<bool> m_isDone = false, m_isCutOff = false;
+    std::thread m_thread;
+};
 
 // Listens to the events of a page.
 class Listener {

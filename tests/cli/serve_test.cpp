@@ -2,7 +2,6 @@
 #include "cli/page/live_page.h"
 #include "cli/page/opening.h"
 #include "cli/page/query.h"
-#include "cli/page/quiet_thread.h"
 #include "tests/cli/http_client.h"
 #include "tests/cli/program_run.h"
 
@@ -13,8 +12,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <future>
-#include <netinet/in.h>
-#include <sys/socket.h>
 #include <thread>
 
 namespace cli {
@@ -24,7 +21,9 @@ using namespace std::chrono_literals;
 using test::Headers;
 using test::HttpAnswer;
 using test::Listener;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 const std::string kFolder = OMBRIX_SOURCE_DIR "/examples/quick/";
 // Needs no Node.js.
@@ -69,8 +68,13 @@ TEST_F(Serve, AnswersWhatTheBuilderGives) {
     for (const auto& [path, body] : expected) EXPECT_EQ(get(path).body, body) << path;
     const auto page = get("");
     EXPECT_THAT(page.body, HasSubstr("<title>"));
-    EXPECT_THAT(page.headers.at("Content-Security-Policy"), HasSubstr("connect-src 'self'"));
-    EXPECT_EQ(page.headers.at("Cache-Control"), "no-store");
+    for (const auto& [name, value] : Headers{{"Content-Security-Policy", "connect-src 'self'"},
+                                             {"Content-Security-Policy", "frame-ancestors 'none'"},
+                                             {"Cache-Control", "no-store"},
+                                             {"X-Content-Type-Options", "nosniff"},
+                                             {"X-Frame-Options", "DENY"},
+                                             {"Referrer-Policy", "no-referrer"}})
+        EXPECT_THAT(page.headers.at(name), HasSubstr(value)) << name;
 }
 
 TEST_F(Serve, TurnsStrangersAndNonsenseAway) {
@@ -92,6 +96,7 @@ TEST_F(Serve, TurnsStrangersAndNonsenseAway) {
         {under("../" + live->token() + "/"), {}, 404},
         {under("%2e%2e/machine.json"), {}, 404},
         {under("roof"), {}, 405},
+        {under("events?version=1x"), {}, 400},
         {under("chart?result=0&config=f-1-L9-all"), {}, 400},
         {under("chart?result=0"), {}, 400},
         {under("chart?result=1&config=f-1-L1-all"), {}, 400},
@@ -108,7 +113,8 @@ TEST_F(Serve, TurnsStrangersAndNonsenseAway) {
 }
 
 TEST_F(Serve, AnswersWhatIsNoRequest) {
-    const auto host = " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(live->port()) + "\r\n";
+    const auto port = std::to_string(live->port());
+    const auto host = " HTTP/1.1\r\nHost: 127.0.0.1:" + port + "\r\n";
     const std::pair<std::string, std::string> rows[] = {
         {"\x16\x03\x01 GET / of another protocol\r\n\r\n", "400 "},
         {"GET " + under("") + host + "A: " + std::string(20000, 'a') + "\r\n\r\n", "431 "},
@@ -116,6 +122,9 @@ TEST_F(Serve, AnswersWhatIsNoRequest) {
         {"GET http://127.0.0.1" + under("") + host + "\r\n", "404 "},
         {"HEAD " + under("") + host + "\r\n", "405 "},
         {"GET " + under("") + host + "Content-Length: 5000\r\n\r\n", "413 "},
+        {"GET " + under("") + host + "Transfer-Encoding: chunked\r\n\r\n0\r\n\r\n", "411 "},
+        {"GET " + under("") + host + "Host: elsewhere.example\r\n\r\n", "403 "},
+        {"GET " + under("") + host + "Origin: http://127.0.0.1:" + port + "\r\nOrigin: null\r\n\r\n", "403 "},
         {"POST " + under("roof") + host + "X-Roofline-Token: " + live->token() +
              "\r\nContent-Type: application/json\r\nTransfer-Encoding: chunked\r\n\r\n",
          "411 "},
@@ -123,7 +132,13 @@ TEST_F(Serve, AnswersWhatIsNoRequest) {
     for (const auto& [text, status] : rows)
         EXPECT_EQ(test::sayRaw(live->port(), text).find("HTTP/1.1 " + status), 0u) << text.substr(0, 60);
     const auto head = test::sayRaw(live->port(), rows[4].first);
+    EXPECT_THAT(head, HasSubstr("\r\nAllow: GET\r\n"));
     EXPECT_EQ(head.find("\r\n\r\n"), head.size() - 4) << "without a body";
+    // Each leaves its place to the next.
+    for (int i = 0; i < 150; ++i)
+        EXPECT_THAT(test::sayRaw(live->port(), "GET " + under("events") + host + "\r\n", true),
+                    HasSubstr("text/event-stream"));
+    EXPECT_EQ(get("").status, 200);
 }
 
 TEST_F(Serve, SetsRoofsForThoseWhoMay) {
@@ -159,7 +174,7 @@ TEST_F(Serve, SetsRoofsForThoseWhoMay) {
     EXPECT_EQ(get("roofs?result=0&operations=f").body, before);
     std::this_thread::sleep_for(2s);  // for a change that would be taken for a foreign one
     EXPECT_THAT(get("").body, HasSubstr("<title>"));
-    EXPECT_EQ(listener.waitFor("data: 3").find("data: 4"), std::string::npos);
+    EXPECT_THAT(listener.waitFor("data: 3"), AllOf(HasSubstr("data: 3"), Not(HasSubstr("data: 4"))));
 
     file("result.json", "{");
     const auto halfDone = post(set);
@@ -175,53 +190,48 @@ TEST_F(Serve, LoadsOnceForAnotherMachine) {
     auto changed = resultText;
     changed.replace(changed.find("\"machine.json"), 13, "\"other.json");
     Listener listener(live->port(), under("events"));
+    listener.waitFor(":\n\n");
     file("result.json", changed);
     listener.waitFor("data: 2");
     std::this_thread::sleep_for(2s);  // for a second load
-    EXPECT_EQ(listener.waitFor("data: 2").find("data: 3"), std::string::npos);
+    EXPECT_THAT(listener.waitFor("data: 2"), AllOf(HasSubstr("data: 2"), Not(HasSubstr("data: 3"))));
     live.reset();
 }
 
-// Once the address is out, a client sends a request byte by byte while the program is told to end.
-class DrippingClient : public std::stringbuf {
-public:
-    ~DrippingClient() override { m_thread.join(); }
-
+// Tells the program to end, once its address is out.
+class Interrupter : public std::stringbuf {
 protected:
-    int sync() override {
-        if (m_thread.joinable()) return 0;
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        address.sin_port = htons(static_cast<std::uint16_t>(std::stoi(str().substr(str().rfind(':') + 1))));
-        const auto client = ::socket(AF_INET, SOCK_STREAM, 0);
-        if (::connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) return -1;
-        m_thread = page::startQuietly([client] {
-            for (int i = 0; i < 60 && ::send(client, "G", 1, MSG_NOSIGNAL) == 1; ++i) {
-                if (i == 2) ::kill(::getpid(), SIGTERM);
-                std::this_thread::sleep_for(200ms);
-            }
-        });
-        return 0;
-    }
-
-private:
-    std::thread m_thread;
+    int sync() override { return str().find("http://") == std::string::npos ? 0 : ::raise(SIGTERM); }
 };
 
-TEST_F(Serve, EndsInTimeWhateverClientsDo) {
+TEST_F(Serve, EndsWhenItIsTold) {
     if (!page::resources()) GTEST_SKIP() << "no page in this build";
     live.reset();
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     const auto serve = [this] {
-        DrippingClient client;
-        std::ostream out(&client), err(nullptr);
+        Interrupter interrupter;
+        std::ostream out(&interrupter), err(nullptr);
         Console console{out, err};
         std::_Exit(runServe(request, console));
     };
-    const auto start = std::chrono::steady_clock::now();
     EXPECT_EXIT(serve(), ::testing::ExitedWithCode(kDone), "");
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 8s);
+}
+
+TEST_F(Serve, CutsOffThoseWhoNeverEnd) {
+    const auto port = live->port();
+    const auto half = "GET " + under("") + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) + "\r\nA: ";
+    const test::Talker slow(port, half, 200ms), answered(port, "GET / \r\n\r\n", 0ms);
+    std::this_thread::sleep_for(3s);
+    EXPECT_TRUE(answered.isCutOff()) << "a second after its answer";
+    EXPECT_FALSE(slow.isCutOff());
+    std::this_thread::sleep_for(4s);
+    EXPECT_TRUE(slow.isCutOff()) << "five seconds after its first word";
+
+    const test::Talker late(port, half, 200ms);
+    std::this_thread::sleep_for(200ms);
+    const auto start = std::chrono::steady_clock::now();
+    live.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 1500ms) << "sooner than the limit that ends all";
 }
 
 TEST_F(Serve, TellsChangesFaultsAndItsEnd) {
@@ -263,16 +273,36 @@ TEST(EngineThread, TellsThoseWhoWaitWhenItStops) {
     EXPECT_EQ(run, 0);
 }
 
-TEST(Address, IsTakenApart) {
-    const auto address = page::parseAddress("/a%20/b?x=1%2b2+3&y&x=4&%7a==&&e=");
-    EXPECT_EQ(address.path, "/a%20/b");
-    EXPECT_EQ(address.find("x"), nullptr) << "there are two";
-    ASSERT_TRUE(address.find("z") && address.find("e") && address.find("y"));
-    EXPECT_EQ(*address.find("z"), "=");
-    EXPECT_EQ(*address.find("y"), "");
-    EXPECT_EQ(page::parseAddress("?x=1%2b2+3").values.front().second, "1+2 3");
+TEST_F(Serve, AnswersThoseWhoWaitWhenItStops) {
+    page::Bulletin bulletin;
+    page::ServedResults results({request.source, {}, {}}, kResources, bulletin);
+    page::EngineThread engine({[] {}, [] {}});
+    const page::Server server({engine, results, bulletin, kResources, "token", false}, 0);
+    std::promise<void> started, goOn;
+    engine.post({[&] { started.set_value(), goOn.get_future().wait(); }, [] {}});
+    started.get_future().wait();
+    auto waiting = std::async(std::launch::async, [&] {
+        return test::askHttp(server.port(), "GET", "/token/chart?result=0&config=f-1-L1-all").status;
+    });
+    std::this_thread::sleep_for(300ms);
+    auto stopping = std::async(std::launch::async, [&] { engine.stop(); });
+    EXPECT_EQ(waiting.wait_for(20s), std::future_status::ready) << "though another job is run";
+    EXPECT_EQ(waiting.get(), 503);
+    goOn.set_value();
+    stopping.get();
+}
+
+TEST(Query, IsTakenFromAnAddress) {
+    const page::Query query("/a%20/b?x=1%2b2+3&y&e=5&%7a==&&e=" + std::string(256, 'e') +
+                            "&l=" + std::string(257, 'l'));
+    EXPECT_EQ(query.value("x"), "1+2 3");
+    EXPECT_EQ(query.value("y"), "");
+    EXPECT_EQ(query.value("z"), "=");
+    for (const auto* const name : {"a", "e", "l"}) EXPECT_THROW(query.value(name), UsageError) << name;
+    EXPECT_TRUE(query.has("e"));
+    EXPECT_FALSE(query.has("a"));
     for (const auto* const target : {"?%", "?a=%4", "?a=%4g", "?a=%-1"})
-        EXPECT_THROW(page::parseAddress(target), UsageError) << target;
+        EXPECT_THROW(page::Query{target}, UsageError) << target;
 }
 
 }  // namespace
