@@ -156,6 +156,11 @@ void sortPairs(std::vector<ComparedPair>& pairs, PairOrder order) {
     });
 }
 
+std::string bothOf(const std::string& before, const std::string& after) {
+    if (before == after) return before;
+    return (before.empty() ? "-" : before) + " -> " + (after.empty() ? "-" : after);
+}
+
 std::string nameOf(const ComparedPair& pair) {
     if (pair.before.name == pair.after.name) return pair.before.name;
     return pair.before.name + " -> " + pair.after.name;

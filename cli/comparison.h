@@ -68,6 +68,8 @@ Comparison makeComparison(const Session& before, const Session& after,
 // without the value come last.
 void sortPairs(std::vector<ComparedPair>& pairs, PairOrder order);
 
+// What both sides share, or "before -> after" with "-" for what one of them lacks.
+std::string bothOf(const std::string& before, const std::string& after);
 // "name", or "name -> other name".
 std::string nameOf(const ComparedPair& pair);
 

@@ -29,11 +29,7 @@ Cell shortName(const std::string& name) { return shorten(cleanText(name), kNameW
 // Why there is no point or no roof, or what to mind of them.
 std::string remarkOf(const RowLine& row) { return row.cause.empty() ? row.doubt : row.cause; }
 
-std::string remarkOf(const ComparedPair& pair) {
-    const auto before = remarkOf(pair.before), after = remarkOf(pair.after);
-    if (before == after) return before;
-    return fmt::format("{} -> {}", before.empty() ? "-" : before, after.empty() ? "-" : after);
-}
+std::string remarkOf(const ComparedPair& pair) { return bothOf(remarkOf(pair.before), remarkOf(pair.after)); }
 
 struct PairColumn {
     Column column;
@@ -133,54 +129,36 @@ std::string describe(const ComparedResult& result) {
 }
 
 void writeResult(Writer& writer, const char* key, const ComparedResult& result) {
-    writer.Key(key), writer.StartObject();
-    writeMember(writer, "file", cellOf(result.file));
-    writeMember(writer, "program", cellOf(result.program));
-    writeMember(writer, "machine", cellOf(result.machine));
-    writer.EndObject();
+    writeObject(writer, key,
+                {{"file", cellOf(result.file)},
+                 {"program", cellOf(result.program)},
+                 {"machine", cellOf(result.machine)}});
 }
 
 Cell changeCell(Change change) { return std::string(kChangeNames.at(static_cast<std::size_t>(change))); }
 
-void writeRow(Writer& writer, const RowLine& row) {
-    writer.StartObject();
-    writeMembers(writer, row);
-    writer.EndObject();
-}
-
-void writeRows(Writer& writer, const char* key, const std::vector<RowLine>& rows) {
-    writer.Key(key), writer.StartArray();
-    for (const auto& row : rows) writeRow(writer, row);
-    writer.EndArray();
-}
-
 void writePair(Writer& writer, const ComparedPair& pair, Change change) {
-    writer.StartObject();
     writeMember(writer, "match_percent", pair.match);
     writeMember(writer, "speedup_factor", cellOf(pair.speedUp()));
     writeMember(writer, "change", changeCell(change));
-    writer.Key("base"), writeRow(writer, pair.before);
-    writer.Key("new"), writeRow(writer, pair.after);
-    writer.EndObject();
+    json::writeObject(writer, "base", [&] { writeMembers(writer, pair.before); });
+    json::writeObject(writer, "new", [&] { writeMembers(writer, pair.after); });
 }
 
 void writeTotals(Writer& writer, const Comparison& comparison) {
-    writer.Key("totals"), writer.StartObject();
     for (const auto change : {Change::Faster, Change::Slower, Change::Noise, Change::Unknown}) {
         const auto name = fmt::format("{}_count", kChangeNames.at(static_cast<std::size_t>(change)));
         writer.Key(name.c_str()), writer.Uint64(comparison.count(change));
     }
     const auto add = [&](const char* key, const Times& times) {
-        writer.Key(key), writer.StartObject();
-        writeMember(writer, "base_elapsed_time_s", times.before);
-        writeMember(writer, "new_elapsed_time_s", times.after);
-        writeMember(writer, "speedup_factor", cellOf(times.speedUp()));
-        writer.EndObject();
+        writeObject(writer, key,
+                    {{"base_elapsed_time_s", times.before},
+                     {"new_elapsed_time_s", times.after},
+                     {"speedup_factor", cellOf(times.speedUp())}});
     };
     add("pairs", comparison.pairTimes());
     add("all_rows", comparison.allTimes());
     writeMember(writer, "geometric_mean_speedup_factor", cellOf(comparison.meanSpeedUp()));
-    writer.EndObject();
 }
 
 void appendCells(std::vector<Cell>& cells, const RowLine* row) {
@@ -219,22 +197,20 @@ std::string comparisonCsv(const ComparisonTableRequest& request) {
 
 std::string comparisonJson(const ComparisonTableRequest& request) {
     const auto& comparison = request.comparison;
-    rapidjson::StringBuffer buffer;
-    Writer writer(buffer);
-    writer.StartObject();
-    writeResult(writer, "base", request.base);
-    writeResult(writer, "new", request.other);
-    writer.Key("comparer"), writer.String(request.roofline ? "roofline" : "default");
-    writeMember(writer, "threshold_percent", request.threshold);
-    writeMember(writer, "noise_percent", comparison.noise);
-    writer.Key("pairs"), writer.StartArray();
-    for (const auto& pair : comparison.pairs) writePair(writer, pair, comparison.changeOf(pair));
-    writer.EndArray();
-    writeRows(writer, "base_only", comparison.beforeOnly);
-    writeRows(writer, "new_only", comparison.afterOnly);
-    writeTotals(writer, comparison);
-    writer.EndObject();
-    return std::string(buffer.GetString(), buffer.GetSize());
+    return json::objectText([&](Writer& writer) {
+        const auto writeRow = [&](const RowLine& row) { writeMembers(writer, row); };
+        writeResult(writer, "base", request.base);
+        writeResult(writer, "new", request.other);
+        writer.Key("comparer"), writer.String(request.roofline ? "roofline" : "default");
+        writeMember(writer, "threshold_percent", request.threshold);
+        writeMember(writer, "noise_percent", comparison.noise);
+        json::writeObjects(writer, "pairs", comparison.pairs, [&](const ComparedPair& pair) {
+            writePair(writer, pair, comparison.changeOf(pair));
+        });
+        json::writeObjects(writer, "base_only", comparison.beforeOnly, writeRow);
+        json::writeObjects(writer, "new_only", comparison.afterOnly, writeRow);
+        json::writeObject(writer, "totals", [&] { writeTotals(writer, comparison); });
+    });
 }
 
 }  // namespace cli

@@ -28,4 +28,35 @@ bool flag(const Value& object, const char* name);
 Value::ConstArray items(const Value& object, const char* name);
 Value::ConstArray items(const Value& array);
 
+// The members of all objects below are written by `fill`.
+template <class Fill>
+void writeObject(Writer& writer, const char* key, Fill&& fill) {
+    writer.Key(key), writer.StartObject();
+    fill();
+    writer.EndObject();
+}
+
+// An array with an object for each element, whose members `fill(element)` writes.
+template <class Elements, class Fill>
+void writeObjects(Writer& writer, const char* key, const Elements& elements, Fill&& fill) {
+    writer.Key(key), writer.StartArray();
+    for (const auto& each : elements) {
+        writer.StartObject();
+        fill(each);
+        writer.EndObject();
+    }
+    writer.EndArray();
+}
+
+// The text of one object, given `fill(writer)`.
+template <class Fill>
+std::string objectText(Fill&& fill) {
+    rapidjson::StringBuffer buffer;
+    Writer writer(buffer);
+    writer.StartObject();
+    fill(writer);
+    writer.EndObject();
+    return std::string(buffer.GetString(), buffer.GetSize());
+}
+
 }  // namespace cli::json

@@ -19,11 +19,7 @@ using json::Writer;
 
 constexpr std::size_t kNameWidth = 48;
 
-std::string remarkOf(const ComparedPair& pair) {
-    const auto &before = pair.before.cause, &after = pair.after.cause;
-    if (before == after) return before;
-    return fmt::format("{} -> {}", before.empty() ? "-" : before, after.empty() ? "-" : after);
-}
+std::string remarkOf(const ComparedPair& pair) { return bothOf(pair.before.cause, pair.after.cause); }
 
 Table readableTable(const Projection& projection) {
     const auto& pairs = projection.rows.pairs;
@@ -98,27 +94,20 @@ void writeColumns(Writer& writer, const Columns& columns, const RowLine& row) {
     for (const auto& each : columns) writeMember(writer, each.key, each.cell(row));
 }
 
-void writeObject(Writer& writer, const char* key, const std::vector<std::pair<const char*, Cell>>& members) {
-    writer.Key(key), writer.StartObject();
-    for (const auto& [name, cell] : members) writeMember(writer, name, cell);
-    writer.EndObject();
-}
-
-void writeSide(Writer& writer, const char* key, const RowLine& row) {
-    writer.Key(key), writer.StartObject();
-    writeColumns(writer, kSideColumns, row);
-    writer.EndObject();
-}
-
 void writeRest(Writer& writer, const char* key, const std::vector<RowLine>& rows) {
-    writer.Key(key), writer.StartArray();
-    for (const auto& row : rows) {
-        writer.StartObject();
+    json::writeObjects(writer, key, rows, [&](const RowLine& row) {
         writeColumns(writer, kNameColumns, row);
         writeColumns(writer, kSideColumns, row);
-        writer.EndObject();
-    }
-    writer.EndArray();
+    });
+}
+
+void writePair(Writer& writer, const ComparedPair& pair, const std::string& bound) {
+    writeColumns(writer, kNameColumns, pair.before);
+    writeMember(writer, "projected_name", cellOf(pair.after.name));
+    writeMember(writer, "speedup_factor", cellOf(pair.speedUp()));
+    writeMember(writer, "bounded_by", cellOf(bound));
+    json::writeObject(writer, "measured", [&] { writeColumns(writer, kSideColumns, pair.before); });
+    json::writeObject(writer, "projected", [&] { writeColumns(writer, kSideColumns, pair.after); });
 }
 
 }  // namespace
@@ -167,40 +156,28 @@ std::string projectionCsv(const ProjectionTableRequest& request) {
 
 std::string projectionJson(const ProjectionTableRequest& request) {
     const auto& projection = request.projection;
-    rapidjson::StringBuffer buffer;
-    Writer writer(buffer);
-    writer.StartObject();
-    writeObject(writer, "measured",
-                {{"file", cellOf(request.measuredFile)},
-                 {"program", cellOf(request.measuredProgram)},
-                 {"machine", cellOf(request.measuredMachine)}});
-    writeObject(writer, "target",
-                {{"file", cellOf(request.targetFile)},
-                 {"device", cellOf(request.targetDevice)},
-                 {"machine", cellOf(request.targetMachine)}});
-    writeMember(writer, "operations", cellOf(request.operations));
-    writer.Key("rows"), writer.StartArray();
-    for (const auto& pair : projection.rows.pairs) {
-        writer.StartObject();
-        writeColumns(writer, kNameColumns, pair.before);
-        writeMember(writer, "projected_name", cellOf(pair.after.name));
-        writeMember(writer, "speedup_factor", cellOf(pair.speedUp()));
-        writeMember(writer, "bounded_by", cellOf(projection.boundOf(pair.after)));
-        writeSide(writer, "measured", pair.before);
-        writeSide(writer, "projected", pair.after);
-        writer.EndObject();
-    }
-    writer.EndArray();
-    writeRest(writer, "measured_only", projection.rows.beforeOnly);
-    writeRest(writer, "projected_only", projection.rows.afterOnly);
-    const auto sum = projection.rows.pairTimes();
-    writeObject(writer, "totals",
-                {{"timed_rows", static_cast<double>(projection.rows.timedPairs())},
-                 {"measured_time_s", sum.before},
-                 {"projected_time_s", sum.after},
-                 {"speedup_factor", cellOf(sum.speedUp())}});
-    writer.EndObject();
-    return std::string(buffer.GetString(), buffer.GetSize());
+    return json::objectText([&](Writer& writer) {
+        writeObject(writer, "measured",
+                    {{"file", cellOf(request.measuredFile)},
+                     {"program", cellOf(request.measuredProgram)},
+                     {"machine", cellOf(request.measuredMachine)}});
+        writeObject(writer, "target",
+                    {{"file", cellOf(request.targetFile)},
+                     {"device", cellOf(request.targetDevice)},
+                     {"machine", cellOf(request.targetMachine)}});
+        writeMember(writer, "operations", cellOf(request.operations));
+        json::writeObjects(writer, "rows", projection.rows.pairs, [&](const ComparedPair& pair) {
+            writePair(writer, pair, projection.boundOf(pair.after));
+        });
+        writeRest(writer, "measured_only", projection.rows.beforeOnly);
+        writeRest(writer, "projected_only", projection.rows.afterOnly);
+        const auto sum = projection.rows.pairTimes();
+        writeObject(writer, "totals",
+                    {{"timed_rows", static_cast<double>(projection.rows.timedPairs())},
+                     {"measured_time_s", sum.before},
+                     {"projected_time_s", sum.after},
+                     {"speedup_factor", cellOf(sum.speedUp())}});
+    });
 }
 
 }  // namespace cli

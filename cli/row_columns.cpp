@@ -75,6 +75,13 @@ void writeMember(json::Writer& writer, const char* key, const Cell& cell) {
         writer.Null();
 }
 
+void writeObject(json::Writer& writer, const char* key,
+                 const std::vector<std::pair<const char*, Cell>>& members) {
+    json::writeObject(writer, key, [&] {
+        for (const auto& [name, cell] : members) writeMember(writer, name, cell);
+    });
+}
+
 void writeMembers(json::Writer& writer, const RowLine& row) {
     for (const auto& each : rowColumns()) writeMember(writer, each.key, each.cell(row));
     for (const auto& each : verdictColumns()) writeMember(writer, each.key, each.cell(row));

@@ -181,18 +181,11 @@ constexpr std::array<Mark, 4> kMarks{{
 }};
 
 void writeRow(Writer& writer, const RowLine& row, bool levels) {
-    writer.StartObject();
     writeMembers(writer, row);
-    if (levels) {
-        writer.Key("levels"), writer.StartArray();
-        for (const auto& level : row.levels) {
-            writer.StartObject();
-            for (const auto& each : levelColumns()) writeMember(writer, each.key, each.cell(row, level));
-            writer.EndObject();
-        }
-        writer.EndArray();
-    }
-    writer.EndObject();
+    if (!levels) return;
+    json::writeObjects(writer, "levels", row.levels, [&](const LevelLine& level) {
+        for (const auto& each : levelColumns()) writeMember(writer, each.key, each.cell(row, level));
+    });
 }
 
 }  // namespace
@@ -240,20 +233,17 @@ std::string rowsCsv(const RowTableRequest& request) {
 }
 
 std::string rowsJson(const RowTableRequest& request) {
-    rapidjson::StringBuffer buffer;
-    Writer writer(buffer);
-    writer.StartObject();
-    writer.Key("configuration"), writer.String(request.configuration.c_str());
-    writer.Key("data"), writer.String(request.isTotal ? "total" : "self");
-    writer.Key("thread_count");
-    request.threads > 0 ? writer.Int(request.threads) : writer.Null();
-    writer.Key("package_count"), writer.Int(request.packages);
-    writer.Key("single_thread_roofs"), writer.Bool(request.single);
-    writer.Key("row_count"), writer.Uint64(request.lines.size());
-    writer.Key("rows"), writer.StartArray();
-    for (const auto& row : shown(request)) writeRow(writer, row, request.levels);
-    writer.EndArray(), writer.EndObject();
-    return std::string(buffer.GetString(), buffer.GetSize());
+    return json::objectText([&](Writer& writer) {
+        writer.Key("configuration"), writer.String(request.configuration.c_str());
+        writer.Key("data"), writer.String(request.isTotal ? "total" : "self");
+        writer.Key("thread_count");
+        request.threads > 0 ? writer.Int(request.threads) : writer.Null();
+        writer.Key("package_count"), writer.Int(request.packages);
+        writer.Key("single_thread_roofs"), writer.Bool(request.single);
+        writer.Key("row_count"), writer.Uint64(request.lines.size());
+        json::writeObjects(writer, "rows", shown(request),
+                           [&](const RowLine& row) { writeRow(writer, row, request.levels); });
+    });
 }
 
 }  // namespace cli

@@ -9,6 +9,7 @@
 #include "roofline_model/gpu_roof_choice.h"
 #include "roofline_model/gpu_row_roofline_helper.h"
 #include "roofline_model/roof_names.h"
+#include "roofline_model/roofline_summary.h"
 #include "roofline_model/row_roofline_engine.h"
 #include "roofline_model/threading.h"
 #include "roofline_model/unified/gpu_levels.h"
@@ -93,6 +94,10 @@ std::vector<std::string> totalLevels(const RooflineConfigurations& configuration
     return levels;
 }
 
+OperationsType roofOperations(const std::string& configuration, const ResultState&) {
+    return roofline::getRooflineOperationType(configuration);
+}
+
 // Of the two choices of sub-devices, told as a number of packages.
 TileUsage usageOf(const RoofThreadingFeatures& features) {
     return features.packageCount == 1 ? TileUsage::Single : TileUsage::Multi;
@@ -101,6 +106,10 @@ TileUsage usageOf(const RoofThreadingFeatures& features) {
 std::string roofConfiguration(const RoofThreadingFeatures& features, OperationsType operations,
                               RoofPerspective) {
     return roof::getGpuRoofConfiguration(usageOf(features), operations);
+}
+
+RoofThreadingFeatures features(const variant_bag_t& request, const ThreadsInfo&) {
+    return roofline::parseSubDevices(request);
 }
 
 roofline::DominatingRoofs dominatingRoofs(const DominatingRoofsTask& task,
@@ -184,6 +193,8 @@ const AnalysisKind& cpuAnalysis() {
             },
         .dominance = DataType::Cpu,
         .dominatingRoofs = cpu::dominatingRoofs,
+        .summedOperations = OperationsType::Mixed,
+        .completeMemory = [](std::vector<RoofItem>&, const ISurveyingViewModel&) {},
         .loadSteps = {LoadStep::DetectWhenNew, LoadStep::RebuildMetrics, LoadStep::RebuildOptions},
         .features = cpu::features,
         .detailedRow = cpu::detailedRow,
@@ -206,10 +217,7 @@ const AnalysisKind& gpuAnalysis() {
         .optionValues = gpu::optionValues,
         .totalLevels = gpu::totalLevels,
         .certainTotals = 0,
-        .roofOperations =
-            [](const std::string& configuration, const ResultState&) {
-                return roofline::getRooflineOperationType(configuration);
-            },
+        .roofOperations = gpu::roofOperations,
         .roofConfiguration = gpu::roofConfiguration,
         .selectMemoryRoofs = [](RoofIds& selected, const std::string&, RoofPerspective,
                                 const ResultState& state,
@@ -218,11 +226,12 @@ const AnalysisKind& gpuAnalysis() {
                           const ResultState& state) { return roofline::getGpuHiddenRoofs(state.device); },
         .dominance = DataType::GpuStatistics,
         .dominatingRoofs = gpu::dominatingRoofs,
+        .summedOperations = OperationsType::Undefined,
+        .completeMemory = roofline::summary::completeDeviceMemory,
         // Deliberate: the metrics of a load are still those of the device that was known before it.
         .loadSteps = {LoadStep::RebuildMetrics, LoadStep::Detect, LoadStep::ReadDevice,
                       LoadStep::RebuildOptions},
-        .features = [](const variant_bag_t& request,
-                       const ThreadsInfo&) { return roofline::parseSubDevices(request); },
+        .features = gpu::features,
         .detailedRow = gpu::detailedRow,
         .reportMembers = {"roofs", "selectedRoofs", "loopsAdditionalInfo"},
     };
@@ -244,10 +253,7 @@ const AnalysisKind& offloadAnalysis() {
         .optionValues = gpu::optionValues,
         .totalLevels = gpu::totalLevels,
         .certainTotals = 0,
-        .roofOperations =
-            [](const std::string& configuration, const ResultState&) {
-                return roofline::getRooflineOperationType(configuration);
-            },
+        .roofOperations = gpu::roofOperations,
         .roofConfiguration = gpu::roofConfiguration,
         .selectMemoryRoofs =
             [](RoofIds& selected, const std::string&, RoofPerspective, const ResultState& state, int) {
@@ -257,9 +263,10 @@ const AnalysisKind& offloadAnalysis() {
                           const ResultState&) { return RoofIds(); },
         .dominance = DataType::None,
         .dominatingRoofs = nullptr,
+        .summedOperations = OperationsType::Undefined,
+        .completeMemory = nullptr,
         .loadSteps = {},
-        .features = [](const variant_bag_t& request,
-                       const ThreadsInfo&) { return roofline::parseSubDevices(request); },
+        .features = gpu::features,
         .detailedRow = offload::detailedRow,
         .reportMembers = {"roofs"},
     };

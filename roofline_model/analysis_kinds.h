@@ -79,6 +79,10 @@ struct AnalysisKind {
     DataType dominance;
     roofline::DominatingRoofs (*dominatingRoofs)(const DominatingRoofsTask&, const ISurveyingViewModel&,
                                                  const std::shared_ptr<const CMemoryLevelMetrics>&);
+    // Of the program's summary: the operations that its roofs stand for, and what is told of memory, given
+    // the memory roofs, ascending.
+    OperationsType summedOperations;
+    void (*completeMemory)(std::vector<RoofItem>& memory, const ISurveyingViewModel& viewModel);
 
     // In this order; `DetectWhenNew` does nothing on a mere refresh.
     std::vector<LoadStep> loadSteps;

@@ -58,8 +58,7 @@ CpuRowRooflineHelper::CpuRowRooflineHelper(std::shared_ptr<IRoofManager> roofMan
 }
 
 void CpuRowRooflineHelper::init(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset) {
-    m_row = row;
-    m_dataset = dataset;
+    RowRooflineHelper::init(row, dataset);
     if (!m_row) reportAssertion("m_row", kUnit, __LINE__);
     if (!m_dataset) reportAssertion("m_dataset", kUnit, __LINE__);
     m_isInnermost = m_row && m_dataset && findIsInnermost();

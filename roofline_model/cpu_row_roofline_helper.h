@@ -10,7 +10,7 @@
 
 namespace data_models2 {
 
-class CpuRowRooflineHelper final : public IRowRooflineHelper {
+class CpuRowRooflineHelper final : public RowRooflineHelper {
 public:
     // `memoryLevelCount`: caches and main memory that were measured, 1 when only the core's traffic was. The
     // threading record is copied: what a row changes in it stays with the row.
@@ -24,10 +24,6 @@ public:
     void findRoofs(std::vector<RoofItem>& memoryRoofs, std::vector<RoofItem>& computeRoofs) const override;
     unsigned getMemoryLevelNumber(MemoryLevel level) const override;
     ValueGetter getTrafficGetter(MemoryLevel level, bool useTotal) const override;
-    void dumpInstructionMixSummary(rabbit::object&) const override {}
-    std::vector<RooflineConclusion> findRooflineConclusions(const LimitingRoof&) const override { return {}; }
-    void updateLimitingRoof(LimitingRoof&) override {}
-    void extendMemoryRoofs(std::vector<RoofItem>&) const override {}
 
     bool isInnermost() const { return m_isInnermost; }
     RoofThreadingFeatures getRoofParam() const { return *m_roofParam; }
@@ -40,8 +36,6 @@ private:
     // The count of an instruction class; 0 when it is missing or no integer.
     std::int64_t mixCount(int column) const;
 
-    sptr_t<RowNode> m_row;
-    sptr_t<IDataset> m_dataset;
     bool m_isInnermost = false;
     std::shared_ptr<IRoofManager> m_roofManager;
     InstructionMix m_instructionMix;

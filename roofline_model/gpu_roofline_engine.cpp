@@ -3,13 +3,10 @@
 #include "host_interfaces/host_functions.h"
 
 #include "roofline_model/guard.h"
-#include "roofline_model/logging.h"
 #include "roofline_model/rabbit.h"
 #include "roofline_model/translation.h"
 
 namespace data_models2 {
-
-using roofline::guarded;
 
 namespace {
 
@@ -50,34 +47,17 @@ rabbit::object makeSubDeviceGroup(bool useNew, rabbit::Allocator& allocator) {
 }  // namespace
 
 CGpuRooflineEngine::CGpuRooflineEngine(std::shared_ptr<ISurveyingViewModel> viewModel)
-    : m_program(gpuAnalysis(), changed) {
-    setModel(std::move(viewModel));
-    guarded([this] { m_program.rebuildOptions(); });
-}
+    : MeasuredEngine(gpuAnalysis(), kLog, std::move(viewModel)) {}
 
-void CGpuRooflineEngine::setModel(std::shared_ptr<ISurveyingViewModel> viewModel) {
-    disconnectAll();
-    m_program.setModel(std::move(viewModel));
-    if (!m_program.viewModel()) return;
-    m_program.viewModel()->onSurveyResultLoaded().connect(
-        *this, [this](IViewModelBase::LoadType type, const std::string& message) {
-            onSurveyResultLoaded(type, message);
-        });
-}
-
-void CGpuRooflineEngine::onSurveyResultLoaded(IViewModelBase::LoadType type, const std::string&) {
-    if (!m_program.viewModel())
-        return reportAssertion("m_model", "roofline_model/gpu_roofline_engine", __LINE__);
-    m_program.onLoaded(type);
-    kLog.debug([&](std::ostream& out) {
-        out << "load " << static_cast<int>(type) << ": " << (getMetrics() ? "metrics built" : "no data");
-    });
+void CGpuRooflineEngine::onSurveyResultLoaded(IViewModelBase::LoadType type, const std::string& message) {
+    if (!viewModel()) return reportAssertion("m_model", "roofline_model/gpu_roofline_engine", __LINE__);
+    MeasuredEngine::onSurveyResultLoaded(type, message);
 }
 
 std::string CGpuRooflineEngine::getThreadsInfo() const {
-    return guarded(std::string(), [&] {
-        if (!m_program.hasDeviceInfo()) return std::string();
-        const bool useNew = gpu_helpers::useNewGpuTerminology(m_program.core().device().memoryType);
+    return roofline::guarded(std::string(), [&] {
+        if (!hasDeviceInfo()) return std::string();
+        const bool useNew = gpu_helpers::useNewGpuTerminology(m_core.device().memoryType);
         return rabbit::writeObject([&](rabbit::object& root) {
             root.append("processorPackageCount", static_cast<int>(TileUsage::Multi));
             root.append("group", makeSubDeviceGroup(useNew, root.allocator()));

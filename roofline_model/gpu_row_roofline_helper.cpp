@@ -102,11 +102,6 @@ GpuRowRooflineHelper::GpuRowRooflineHelper(std::shared_ptr<const OperationMap> o
       m_deviceMemory(roofline_helpers::getGpuMemoryRooflineType(device.memoryType)),
       m_operationMap(std::move(operationMap)) {}
 
-void GpuRowRooflineHelper::init(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset) {
-    m_row = row;
-    m_dataset = dataset;
-}
-
 bool GpuRowRooflineHelper::isValid(bool /*totalMetricsAvailable*/) const {
     if (!m_row) reportAssertion("m_row", kUnit, __LINE__);
     if (!m_dataset) reportAssertion("m_dataset", kUnit, __LINE__);

@@ -11,7 +11,7 @@
 
 namespace data_models2 {
 
-class GpuRowRooflineHelper final : public IRowRooflineHelper {
+class GpuRowRooflineHelper final : public RowRooflineHelper {
 public:
     // `operationMap`: what the row's instructions counted; without it no compute roof fits. `roofs` are those
     // of the device's configuration; of its outer memories only the device's own limits a row.
@@ -20,7 +20,6 @@ public:
 
     static bool isKernel(const sptr_t<RowNode>& row);
 
-    void init(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset) override;
     // Only kernels are, whatever metrics they have.
     bool isValid(bool totalMetricsAvailable) const override;
     bool areMemLevelMetricsCollected() const override { return true; }
@@ -53,10 +52,8 @@ private:
     // What is lost of each cache line that moves.
     std::optional<RooflineConclusion> findCacheLineConclusion() const;
 
-    sptr_t<RowNode> m_row;
     generic_iterator_t<RoofItem> m_roofs;
     std::string m_deviceMemory;  // name of the device's last memory level
-    sptr_t<IDataset> m_dataset;
     std::shared_ptr<const OperationMap> m_operationMap;
 };
 

@@ -6,6 +6,9 @@
 
 #include <boost/property_tree/ptree.hpp>
 
+#include <algorithm>
+#include <array>
+
 namespace data_models2 {
 
 namespace {
@@ -33,6 +36,18 @@ double quotient(double dividend, double divisor) {
 double valueOf(const ValueGetter& getter, const sptr_t<IDataset>& dataset, const sptr_t<RowNode>& row) {
     return getter ? getter->get(dataset, row).toDouble() : 0.0;
 }
+
+// The rows that count, by the bits of their type; of a dataset that isn't named all do.
+struct CountedRows {
+    DataType dataset;
+    std::uint64_t wanted, unwanted;
+};
+
+constexpr auto kCountedRows = std::to_array<CountedRows>({
+    {DataType::Cpu, 0, row_type::kHidden},
+    {DataType::CpuTopDown, 0, row_type::kHidden},
+    {DataType::Gpu, row_type::kGpuTask, 0},
+});
 
 MetricRecipe withDefaults(MetricRecipe recipe) {
     if (recipe.operations.empty())
@@ -105,15 +120,12 @@ RooflineMemoryMetricsRowVisitHandler::~RooflineMemoryMetricsRowVisitHandler() {
 bool RooflineMemoryMetricsRowVisitHandler::accepts(const RowNode& row) const {
     const auto specification = row.getSpecification();
     if (!specification) return false;
-    switch (m_dataset->getDataType()) {
-        case DataType::Cpu:
-        case DataType::CpuTopDown:
-            return !(specification->getRowType() & row_type::kHidden);
-        case DataType::Gpu:
-            return specification->getRowType() & row_type::kGpuTask;
-        default:
-            return true;
-    }
+    const auto counted = std::find_if(kCountedRows.begin(), kCountedRows.end(), [this](const auto& each) {
+        return each.dataset == m_dataset->getDataType();
+    });
+    if (counted == kCountedRows.end()) return true;
+    const auto type = specification->getRowType();
+    return (type & counted->wanted) == counted->wanted && !(type & counted->unwanted);
 }
 
 variant_bag_t RooflineMemoryMetricsRowVisitHandler::handlePreVisit(const sptr_t<RowNode>& row,

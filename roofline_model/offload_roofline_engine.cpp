@@ -2,7 +2,6 @@
 
 #include "roofline_model/compute_roofs.h"
 #include "roofline_model/guard.h"
-#include "roofline_model/logging.h"
 #include "roofline_model/loop_details.h"
 #include "roofline_model/offload_operation_map.h"
 #include "roofline_model/report_template.h"
@@ -16,9 +15,9 @@ constinit const roofline::LogChannel kLog{"offload_roofline_engine"};
 }  // namespace
 
 COffloadRooflineEngine::COffloadRooflineEngine(std::shared_ptr<IPerfProjectionViewModel> viewModel)
-    : m_core(offloadAnalysis()) {
+    : EngineFace(offloadAnalysis(), kLog) {
     setModel(std::move(viewModel));
-    guarded([this] { m_core.rebuildOptions(kMemoryLevels); });
+    guarded([this] { rebuildOptions(); });
 }
 
 void COffloadRooflineEngine::setModel(std::shared_ptr<IPerfProjectionViewModel> viewModel) {
@@ -34,9 +33,7 @@ void COffloadRooflineEngine::setModel(std::shared_ptr<IPerfProjectionViewModel> 
 void COffloadRooflineEngine::onResultLoaded(IViewModelBase::LoadType type, const std::string&) {
     guarded([this] { m_core.rebuildMemoryMetrics(); });
     guarded([this] { detectDominatingRoofs(); });
-    kLog.debug([&](std::ostream& out) {
-        out << "load " << static_cast<int>(type) << ": " << (getMetrics() ? "metrics built" : "no data");
-    });
+    logLoad(type);
 }
 
 void COffloadRooflineEngine::detectDominatingRoofs() {
@@ -52,21 +49,21 @@ void COffloadRooflineEngine::detectDominatingRoofs() {
 std::string COffloadRooflineEngine::getSelectedRoofs(const std::string& configuration,
                                                      Perspective perspective) const {
     if (!m_viewModel) return {};
-    return m_core.getSelectedRoofs(configuration, perspective, m_dominatingRoofs, kMemoryLevels);
+    return m_core.getSelectedRoofs(configuration, perspective, m_dominatingRoofs, getMemoryLevelsCount());
 }
 
 std::string COffloadRooflineEngine::getLoopAdditionalInfo(const std::string& request,
                                                           std::shared_ptr<IResultController>,
                                                           const std::string& configuration) const {
     return guarded(std::string(), [&] {
-        const LoopDetails details(m_core, {m_viewModel, {}, kMemoryLevels});
+        const LoopDetails details(m_core, {m_viewModel, {}, getMemoryLevelsCount()});
         return details.getLoopAdditionalInfo(request, configuration);
     });
 }
 
 std::string COffloadRooflineEngine::getReportTemplate(std::shared_ptr<IResultController>) const {
     return guarded(std::string(), [&] {
-        return makeReportTemplate({m_core, kMemoryLevels, {}, m_dominatingRoofs});
+        return makeReportTemplate({m_core, getMemoryLevelsCount(), {}, m_dominatingRoofs});
     });
 }
 

@@ -37,11 +37,6 @@ OffloadRowRooflineHelper::OffloadRowRooflineHelper(std::shared_ptr<IRoofManager>
                                                    bool singleSubDevice)
     : m_roofManager(std::move(roofManager)), m_singleSubDevice(singleSubDevice) {}
 
-void OffloadRowRooflineHelper::init(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset) {
-    m_row = row;
-    m_dataset = dataset;
-}
-
 bool OffloadRowRooflineHelper::isValid(bool /*totalMetricsAvailable*/) const {
     if (!m_row) reportAssertion("m_row", kUnit, __LINE__);
     if (!m_dataset) reportAssertion("m_dataset", kUnit, __LINE__);

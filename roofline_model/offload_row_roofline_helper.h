@@ -8,13 +8,12 @@
 
 namespace data_models2 {
 
-class OffloadRowRooflineHelper final : public IRowRooflineHelper {
+class OffloadRowRooflineHelper final : public RowRooflineHelper {
 public:
     // `singleSubDevice`: the roofs are those of one sub-device, else of the whole target. Without a roof
     // table there are none.
     OffloadRowRooflineHelper(std::shared_ptr<IRoofManager> roofManager, bool singleSubDevice);
 
-    void init(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset) override;
     // A region needs operations of one type, with their performance and intensity, all above 0.
     bool isValid(bool totalMetricsAvailable) const override;
     bool areMemLevelMetricsCollected() const override { return true; }
@@ -24,14 +23,10 @@ public:
     ValueGetter getTrafficGetter(MemoryLevel level, bool useTotal) const override;
     void dumpInstructionMixSummary(rabbit::object& object) const override;
     std::vector<RooflineConclusion> findRooflineConclusions(const LimitingRoof& limitingRoof) const override;
-    void updateLimitingRoof(LimitingRoof&) override {}
-    void extendMemoryRoofs(std::vector<RoofItem>&) const override {}
 
 private:
     double countOf(FieldId field) const;
 
-    sptr_t<RowNode> m_row;
-    sptr_t<IDataset> m_dataset;
     std::shared_ptr<IRoofManager> m_roofManager;
     bool m_singleSubDevice;
 };

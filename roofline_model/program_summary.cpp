@@ -1,6 +1,7 @@
 // The summary of a whole program.
 #include "host_interfaces/host_functions.h"
 
+#include "roofline_model/analysis_kinds.h"
 #include "roofline_model/instruction_mix_summary.h"
 #include "roofline_model/roof_names.h"
 #include "roofline_model/roofline_summary.h"
@@ -25,24 +26,14 @@ struct ProgramRoofs {
     std::array<std::optional<RoofItem>, kTypes.size()> compute;  // by operations type
 };
 
-generic_iterator_t<RoofItem> getRoofs(ISurveyingViewModel& viewModel, DataType type,
-                                      const std::string& configuration) {
-    const auto roofManager = viewModel.getRoofManager(type);
-    return roofManager ? roofManager->getRoofs(configuration) : generic_iterator_t<RoofItem>();
-}
-
-generic_iterator_t<RoofItem> getCpuRoofs(const std::shared_ptr<ISurveyingViewModel>& viewModel) {
-    RoofThreadingFeatures features;
-    parseRoofParams(variant_bag_t(), getThreadsInfo(viewModel), features);
+generic_iterator_t<RoofItem> getRoofs(const std::shared_ptr<ISurveyingViewModel>& viewModel,
+                                      const AnalysisKind& kind) {
+    const auto roofManager = viewModel->getRoofManager(kind.rows);
+    if (!roofManager) return {};
+    auto features = kind.features(variant_bag_t(), getThreadsInfo(viewModel));
     features.threadCount = raiseOddThreads(features.threadCount);
-    return getRoofs(
-        *viewModel, DataType::Cpu,
-        roof::getCpuRoofConfiguration(features, OperationsType::Mixed, IRooflineInfo::Perspective::Program));
-}
-
-generic_iterator_t<RoofItem> getGpuRoofs(const std::shared_ptr<ISurveyingViewModel>& viewModel) {
-    return getRoofs(*viewModel, DataType::Gpu,
-                    roof::getGpuRoofConfiguration(TileUsage::Multi, OperationsType::Undefined));
+    return roofManager->getRoofs(
+        kind.roofConfiguration(features, kind.summedOperations, RoofPerspective::Program));
 }
 
 // Of several selected compute roofs of one type the last counts.
@@ -82,7 +73,9 @@ bool isForeignMemory(const std::string& level, const std::string& lastLevel) {
            std::find(kLastLevels.begin(), kLastLevels.end(), level) != kLastLevels.end();
 }
 
-void completeDeviceRoofs(std::vector<RoofItem>& memory, const ISurveyingViewModel& viewModel) {
+}  // namespace
+
+void completeDeviceMemory(std::vector<RoofItem>& memory, const ISurveyingViewModel& viewModel) {
     const auto lastLevel =
         roofline_helpers::getGpuMemoryRooflineType(viewModel.getGpuDeviceProperties().memoryType);
     std::erase_if(memory, [&](const RoofItem& roof) {
@@ -91,25 +84,22 @@ void completeDeviceRoofs(std::vector<RoofItem>& memory, const ISurveyingViewMode
     memory.push_back(makeCarmRoof(memory, viewModel.getDeviceInfo(TargetDeviceType::Gpu)));
 }
 
-}  // namespace
-
 std::string getProgramOpsAndBandwidthSummary(const std::shared_ptr<const CMemoryLevelMetrics>& metrics,
                                              const std::shared_ptr<ISurveyingViewModel>& viewModel,
-                                             TargetDeviceType device,
+                                             const AnalysisKind& kind,
                                              const std::unordered_set<RoofId>& selectedRoofs,
                                              const std::shared_ptr<const OperationMap>& operationMap) {
     if (!metrics || !viewModel) return {};
-    const bool isGpu = device == TargetDeviceType::Gpu;
-    const auto roofs = isGpu ? getGpuRoofs(viewModel) : getCpuRoofs(viewModel);
+    const auto roofs = getRoofs(viewModel, kind);
     const double elapsedTime = viewModel->getProgramInfo().elapsedTime;
     if (roofs.isEnd() || !(elapsedTime >= kLeastTime)) return {};
 
     auto chosen = chooseRoofs(roofs, selectedRoofs);
-    if (isGpu) completeDeviceRoofs(chosen.memory, *viewModel);
+    kind.completeMemory(chosen.memory, *viewModel);
     const OperationsType dominating = getDominatingType(metrics);
     std::vector<SummaryItem> items;
     for (const RoofItem& roof : chosen.memory) {
-        const auto level = getLevelName(roof, device);
+        const auto level = getLevelName(roof, kind.device);
         items.push_back({roof, getMetricForMemoryRoof(roof, elapsedTime, metrics->getTotalGBs(level),
                                                       metrics->getTotalAI(OperationsType::Float, level),
                                                       metrics->getTotalAI(OperationsType::Int, level), level,
@@ -122,7 +112,7 @@ std::string getProgramOpsAndBandwidthSummary(const std::shared_ptr<const CMemory
             items.push_back({*roof, getMetricForComputeRoof(*roof, elapsedTime, count, dominating)});
     }
     return rabbit::writeObject([&](rabbit::object& root) {
-        dumpSummary(root, items, device);
+        dumpSummary(root, items, kind.device);
         dumpInstructionMixSummary(root, operationMap);
     });
 }

@@ -14,6 +14,10 @@
 #include <unordered_set>
 #include <vector>
 
+namespace data_models2 {
+struct AnalysisKind;
+}
+
 namespace data_models2::roofline::summary {
 
 // One number of the summary with what it is made of.
@@ -47,13 +51,17 @@ void dumpMetric(rabbit::object& object, const OpsAndBandMetric& metric);
 // The members "roofs" and "metrics", one entry an item.
 void dumpSummary(rabbit::object& object, const std::vector<SummaryItem>& items, TargetDeviceType device);
 
-// The summary of a program, a JSON object: its memory roofs, ascending, and of each type of operations that
-// was counted the compute roof among `selectedRoofs`. On a device the traffic of its core follows the memory
-// roofs, and the instructions of `operationMap`, which may be null, are grouped at the end. Empty without
-// metrics, view model, roofs or elapsed time.
+// Of the memories that a device may end in only its own counts, and the traffic of its core has no roof but
+// counts too.
+void completeDeviceMemory(std::vector<RoofItem>& memory, const ISurveyingViewModel& viewModel);
+
+// The summary of a measured program, a JSON object: its memory roofs, ascending, and of each type of
+// operations that was counted the compute roof among `selectedRoofs`. On a device the traffic of its core
+// follows the memory roofs, and the instructions of `operationMap`, which may be null, are grouped at the
+// end. Empty without metrics, view model, roofs or elapsed time.
 std::string getProgramOpsAndBandwidthSummary(const std::shared_ptr<const CMemoryLevelMetrics>& metrics,
                                              const std::shared_ptr<ISurveyingViewModel>& viewModel,
-                                             TargetDeviceType device,
+                                             const AnalysisKind& kind,
                                              const std::unordered_set<RoofId>& selectedRoofs,
                                              const std::shared_ptr<const OperationMap>& operationMap);
 

@@ -35,4 +35,21 @@ public:
     virtual void extendMemoryRoofs(std::vector<RoofItem>& roofs) const = 0;
 };
 
+// Holds the row, and has nothing of what only some kinds have.
+class RowRooflineHelper : public IRowRooflineHelper {
+public:
+    void init(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset) override {
+        m_row = row;
+        m_dataset = dataset;
+    }
+    void dumpInstructionMixSummary(rabbit::object&) const override {}
+    std::vector<RooflineConclusion> findRooflineConclusions(const LimitingRoof&) const override { return {}; }
+    void updateLimitingRoof(LimitingRoof&) override {}
+    void extendMemoryRoofs(std::vector<RoofItem>&) const override {}
+
+protected:
+    sptr_t<RowNode> m_row;
+    sptr_t<IDataset> m_dataset;
+};
+
 }  // namespace data_models2

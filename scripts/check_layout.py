@@ -21,11 +21,11 @@ FLOORS = """
 3  roofline_model/unified/:    roofline_totals
 4  roofline_model/:    selected_roofs cpu_roof_choice gpu_roof_choice instruction_mix_summary
 4  roofline_model/unified/:    option_tables loop_params loop_params_tables cpu_loop_params_tables
-                               gpu_loop_params_tables offload_loop_params_tables row_walk row_reader loops view_rect chart_range
+                               device_loop_params_tables row_walk row_reader loops view_rect chart_range
 5  roofline_model/:    row_roofline_helper row_roofline_engine row_memory_levels cpu_row_roofline_helper
                        gpu_row_roofline_helper offload_row_roofline_helper chart_widgets
 6  roofline_model/:    row_result json_dumps roofline_summary program_summary loop_details analysis_kinds roof_catalogue
-                       no_data_rules roofline_document engine_core program_dominance measured_program
+                       no_data_rules roofline_document engine_core program_dominance engine_face measured_engine
                        roofline_engine gpu_roofline_engine offload_roofline_engine report_helpers report_template
                        factories
 """

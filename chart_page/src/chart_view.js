@@ -151,7 +151,7 @@ export function changeText({ change, speedUp }) {
     return texts(`page_change_${change}`, number(speedUp >= 1 ? speedUp : 1 / speedUp));
 }
 
-/** A name with its side of the comparison. */
+/** A name or a cause with its side of the comparison. */
 const ofSide = (side, name) => {
     const caption = texts(side ? 'page_new' : 'page_base');
     return name ? texts('page_of_side', caption, name) : caption;
@@ -169,13 +169,16 @@ function totalsOf(side, isComparison) {
     }));
 }
 
-/** A row is once in the lane; where only one side of a comparison is, the entry says which. */
+/** A row is once in the lane; where its sides differ, the entry says which side has what cause. */
 function lanesOf(item, dimmed) {
-    const at = item.sides.findIndex((side) => side?.cause);
+    const causes = item.sides.map((side) => side?.cause);
+    const at = causes.findIndex(Boolean);
     if (at < 0) return [];
     const { name, cause } = item.sides[at];
-    const isWhole = item.sides.every((side) => side?.cause === cause);
-    return [{ row: item.row, name: isWhole ? name : ofSide(at, name), cause, dimmed }];
+    const entry = { row: item.row, name, cause, dimmed };
+    if (!causes.every(Boolean)) return [{ ...entry, name: ofSide(at, name) }];
+    if (causes.every((each) => each === cause)) return [entry];
+    return [{ ...entry, cause: causes.map((each, side) => ofSide(side, each)).join('; ') }];
 }
 
 /** From each point of the base to that of the same level of the new one. */

@@ -2,7 +2,7 @@
 import { visible } from './chart/dom.js';
 import { changeText } from './chart_view.js';
 import { figures, make } from './dom.js';
-import { gainText, isOfCallees, nearestLevel } from './model.js';
+import { gainText, isOfCallees, nearestRoof } from './model.js';
 import { isAbove, number, percent, plain, texts } from './texts.js';
 
 /** A bar of a fraction, full at 1. @param {number|null} fraction @param {string} [look] */
@@ -79,7 +79,7 @@ function rowDetails(row, side, detail) {
             : texts('page_remark', row.doubt)),
         row.cause && make('p', null, texts('page_not_in_chart', row.cause)),
         ...(detail ? messages(detail) : []),
-        levelTable(row, side, detail),
+        levelTable(row, side),
         ...(detail ? tables(detail) : []),
         !detail && make('p.note', null,
             texts('page_details_left_out', Object.keys(side.result.details ?? {}).length)),
@@ -94,7 +94,7 @@ function verdict(row, { result }, dictionary) {
     const [intensity, performance, operations] = [rows.intensity, rows.performance, rows.operations]
         .map((column) => column[row.index]);
     const gain = gainText(row);
-    const nearest = nearestLevel(result, row.index);
+    const nearest = nearestRoof(result, row.index);
     return make('div.verdict', null,
         make('p', null, make(`span.limit${row.limitKind ? `.${row.limitKind}` : ''}`, null, row.limit), ' ',
             make(`span${isAbove(row.fraction) ? '.odd' : ''}`, null,
@@ -113,23 +113,10 @@ function messages({ bottleneck, conclusions }) {
     return all.map((message) => make('p.message', null, plain(message)));
 }
 
-/**
- * Each level's traffic with its own roof. The intensity stands in the library's small roofline of the row, or
- * in the chart where that shows the level.
- */
-function levelTable({ index, points }, { result }, detail) {
+/** Each level's traffic with its own roof. */
+function levelTable({ index }, { result }) {
     const known = result.levels.filter(({ traffic, roof }) => (traffic[index] ?? roof[index]) !== null);
     if (!known.length) return null;
-    const small = new Map((detail?.roofline?.data?.loops ?? [])
-        .map((loop) => [loop.attrs?.memoryLevelPref, loop.x]));
-    // A kernel's operations are the same at every level; loops may have other ones without a level.
-    const { time, performance } = result.rows;
-    const operations = result.kind === 'gpu' ? time[index] * performance[index] : 0;
-    const byTraffic = (traffic) => (operations > 0 && traffic > 0 ? operations / traffic : null);
-    const intensity = ({ level, option, traffic }) => {
-        const x = small.get(level) ?? points.find((point) => point?.level === option)?.x;
-        return number(x === undefined ? byTraffic(traffic[index]) : 10 ** x);
-    };
     const roofName = (at) => plain(result.dictionary[at] ?? texts('page_missing'));
     return make('section', null,
         make('h3', { title: texts('page_levels_table_expl') }, texts('page_levels_table')),
@@ -138,7 +125,7 @@ function levelTable({ index, points }, { result }, detail) {
             known.map((entry) => [
                 entry.nearest[index] ? make('span.nearest', { title: texts('page_nearest') }, entry.level)
                     : entry.level,
-                number(entry.traffic[index]), intensity(entry), roofName(entry.roof[index]),
+                number(entry.traffic[index]), number(entry.intensity[index]), roofName(entry.roof[index]),
                 barred(entry.fraction[index], 'memory'), barred(entry.timeShare[index]),
             ])));
 }

@@ -155,21 +155,17 @@ export function filterOf(state) {
         && (!least || item.sides.some((side) => side && (side.share ?? 0) >= least));
 }
 
-/**
- * Of the levels' memory roofs the one nearest above its level's point, and how much of it the row reaches.
- * @param {object} result @param {number} index of the row
- * @returns {{roof: string, fraction: number}|null}
- */
-export function nearestLevel(result, index) {
-    const level = result.levels.find(({ nearest }) => nearest[index]);
-    return level ? levelRoof(result, level, index) : null;
-}
+/** @returns {{roof: string, fraction: number}|null} */
+const roofOver = (roof = '', fraction = null) =>
+    (roof && fraction !== null ? { roof: plain(roof), fraction } : null);
 
-/** A level's own roof over a row. @returns {{roof: string, fraction: number}|null} */
-export function levelRoof({ dictionary }, level, index) {
-    const [roof, fraction] = [dictionary[level?.roof[index]], level?.fraction[index] ?? null];
-    return roof && fraction !== null ? { roof: plain(roof), fraction } : null;
-}
+/** The roof nearest above any of a row's levels' points, and how much of it the row reaches. */
+export const nearestRoof = ({ dictionary, rows }, index) =>
+    roofOver(dictionary[rows.nearest[index]], rows.nearestFraction[index]);
+
+/** A level's own roof over a row. */
+export const levelRoof = ({ dictionary }, level, index) =>
+    roofOver(dictionary[level?.roof[index]], level?.fraction[index]);
 
 /** Whether a doubt says that the verdict is of more than the row's own data. @param {string} doubt */
 export const isOfCallees = (doubt) => doubt === texts('page_doubt_with_all_that_it_calls');

@@ -1,6 +1,6 @@
 // The columns of the list of rows, for the table and for CSV.
 import { figure, fraction, limitColumn, power } from './columns.js';
-import { nearestLevel } from './model.js';
+import { nearestRoof } from './model.js';
 import { texts } from './texts.js';
 
 /**
@@ -60,10 +60,10 @@ function levelColumns(side, row, axes) {
     ]);
 }
 
-/** The nearest memory roof of any level, where the result has levels. */
+/** The nearest roof above the points of the levels, where the result has levels. */
 function nearestColumns({ result }, row) {
-    if (!result.levels.some(({ nearest }) => nearest.includes(true))) return [];
-    const nearest = (item) => nearestLevel(result, row(item).index);
+    if (result.rows.nearest.every((roof) => roof === null)) return [];
+    const nearest = (item) => nearestRoof(result, row(item).index);
     const reached = (item) => nearest(item)?.fraction ?? null;
     return [
         {

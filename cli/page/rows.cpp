@@ -100,6 +100,14 @@ void writeRows(Writer& writer, const Rows& rows, Dictionary& dictionary) {
         writer.key(name);
         writer.array(rows.lines, each);
     };
+    const auto roof = [&](const char* name, const char* fraction, std::optional<RoofOver> RowLine::*member) {
+        column(name, [&](const RowLine& line) {
+            dictionary.writeIndex(writer, line.*member ? (line.*member)->name : std::string());
+        });
+        column(fraction, [&](const RowLine& line) {
+            writer.number(line.*member ? std::optional((line.*member)->fraction) : std::nullopt);
+        });
+    };
     const auto values = [&](const char* name, const auto& list, auto&& each) {
         writer.key(name);
         writer.array(list, each);
@@ -120,13 +128,9 @@ void writeRows(Writer& writer, const Rows& rows, Dictionary& dictionary) {
         column("operations", [&](const RowLine& line) { writer.text(line.operations); });
         column("intensity", [&](const RowLine& line) { writer.number(line.intensity); });
         column("performance", [&](const RowLine& line) { writer.number(line.performance); });
-        column("limit", [&](const RowLine& line) {
-            dictionary.writeIndex(writer, line.limit ? line.limit->name : std::string());
-        });
+        roof("limit", "fraction", &RowLine::limit);
         column("limitKind", [&](const RowLine& line) { writer.text(line.limitKind); });
-        column("fraction", [&](const RowLine& line) {
-            writer.number(line.limit ? std::optional(line.limit->fraction) : std::nullopt);
-        });
+        roof("nearest", "nearestFraction", &RowLine::nearest);
         column("speedUp", [&](const RowLine& line) { writer.number(line.speedUp()); });
         column("cause", [&](const RowLine& line) {
             dictionary.writeIndex(writer, translateWords("cause", causeOf(line)));
@@ -148,6 +152,7 @@ void writeLevels(Writer& writer, const Rows& rows, const Session& session, Dicti
             writer.member("level", level.level);
             writer.member("option", level.option);
             column("traffic", [&](const LevelLine& line) { writer.number(line.traffic); });
+            column("intensity", [&](const LevelLine& line) { writer.number(line.intensity); });
             column("roof", [&](const LevelLine& line) {
                 dictionary.writeIndex(writer, line.roof ? line.roof->name : std::string());
             });

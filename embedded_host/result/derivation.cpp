@@ -1,120 +1,17 @@
-// The table of derivation rules and the loops that apply a rule to a whole column.
+// The loops that apply a rule to a whole column.
 #include "embedded_host/result/derivation.h"
 
+#include "embedded_host/result/kinds.h"
+
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <span>
 #include <utility>
 
 namespace embedded_host {
 namespace {
 using namespace data_models2;
-using enum FieldId;
-
-enum class Operation {
-    RowId,        // the row's id
-    RowIdText,    // the row's id in decimal
-    UsedThreads,  // the program's thread count
-    Copy,         // a, a text
-    PerThread,    // a / used threads
-    AllThreads,   // a * used threads
-    Sum,          // a + b; of those present when one is missing
-    Ratio,        // a / b; missing when b is 0
-    Giga,         // a / 1e9
-    Total,        // a of the row + this field of its children; of those present
-};
-
-struct Rule {
-    FieldId target;
-    Operation operation;
-    FieldId a = None;
-    FieldId b = None;
-};
-
-// In the order of application: a rule sees what the rules above it have filled.
-constexpr auto kCpuRules = std::to_array<Rule>({
-    {RowKey, Operation::RowId},
-    {Rva, Operation::RowIdText},
-    {ThreadCount, Operation::UsedThreads},
-    {MangledName, Operation::Copy, FunctionName},
-
-    {SelfElapsedTime, Operation::PerThread, SelfTime},
-    {SelfTime, Operation::AllThreads, SelfElapsedTime},
-
-    {SelfMemL1, Operation::Sum, SelfL1Load, SelfL1Store},
-    {SelfMemL2, Operation::Sum, SelfL2Load, SelfL2Store},
-    {SelfMemL3, Operation::Sum, SelfL3Load, SelfL3Store},
-    {SelfMemL4, Operation::Sum, SelfL4Load, SelfL4Store},
-    {SelfMemDram, Operation::Sum, SelfDramLoad, SelfDramStore},
-    {SelfMixedOps, Operation::Sum, SelfFloatOps, SelfIntOps},
-
-    {TotalTime, Operation::Total, SelfTime},
-    {TotalElapsedTime, Operation::Total, SelfElapsedTime},
-    {TotalFloatOps, Operation::Total, SelfFloatOps},
-    {TotalIntOps, Operation::Total, SelfIntOps},
-    {TotalMixedOps, Operation::Total, SelfMixedOps},
-    {TotalMem, Operation::Total, SelfMemL1},
-    {TotalL1Load, Operation::Total, SelfL1Load},
-    {TotalL1Store, Operation::Total, SelfL1Store},
-    {TotalL2Load, Operation::Total, SelfL2Load},
-    {TotalL2Store, Operation::Total, SelfL2Store},
-    {TotalL3Load, Operation::Total, SelfL3Load},
-    {TotalL3Store, Operation::Total, SelfL3Store},
-    {TotalL4Load, Operation::Total, SelfL4Load},
-    {TotalL4Store, Operation::Total, SelfL4Store},
-    {TotalDramLoad, Operation::Total, SelfDramLoad},
-    {TotalDramStore, Operation::Total, SelfDramStore},
-
-    {SelfGFlops, Operation::Ratio, SelfFloatOps, SelfElapsedTime},
-    {SelfGIntOps, Operation::Ratio, SelfIntOps, SelfElapsedTime},
-    {SelfGMixedOps, Operation::Ratio, SelfMixedOps, SelfElapsedTime},
-    {SelfFloatAi, Operation::Ratio, SelfFloatOps, SelfMemL1},
-    {SelfIntAi, Operation::Ratio, SelfIntOps, SelfMemL1},
-    {SelfMixedAi, Operation::Ratio, SelfMixedOps, SelfMemL1},
-    {TotalGFlops, Operation::Ratio, TotalFloatOps, TotalElapsedTime},
-    {TotalGIntOps, Operation::Ratio, TotalIntOps, TotalElapsedTime},
-    {TotalGMixedOps, Operation::Ratio, TotalMixedOps, TotalElapsedTime},
-    {TotalFloatAi, Operation::Ratio, TotalFloatOps, TotalMem},
-    {TotalIntAi, Operation::Ratio, TotalIntOps, TotalMem},
-    {TotalMixedAi, Operation::Ratio, TotalMixedOps, TotalMem},
-});
-
-// A device has no levels by thread and no totals: a kernel's work is its own.
-constexpr auto kGpuRules = std::to_array<Rule>({
-    {RowKey, Operation::RowId},
-    {MangledName, Operation::Copy, FunctionName},
-    {SelfGFlops, Operation::Ratio, SelfFloatOps, GpuElapsedTime},
-    {SelfGIntOps, Operation::Ratio, SelfIntOps, GpuElapsedTime},
-    {SelfFloatAi, Operation::Ratio, SelfFloatOps, GpuCarmTraffic},
-    {SelfIntAi, Operation::Ratio, SelfIntOps, GpuCarmTraffic},
-    {GpuL3Bandwidth, Operation::Ratio, GpuL3Traffic, GpuElapsedTime},
-});
-
-// A projected row stands for all that is below it. Its own intensity is taken over the first cache.
-constexpr auto kOffloadRules = std::to_array<Rule>({
-    {RowKey, Operation::RowId},
-    {MangledName, Operation::Copy, FunctionName},
-    {TotalFloatOps, Operation::Sum, OffloadFloat32Ops, OffloadFloat64Ops},
-    {TotalIntOps, Operation::Sum, OffloadInt32Ops, OffloadInt64Ops},
-    {TotalMixedOps, Operation::Sum, TotalFloatOps, TotalIntOps},
-    {TotalMem, Operation::Giga, OffloadL1Bytes},
-    {TotalGFlops, Operation::Ratio, TotalFloatOps, OffloadElapsedTime},
-    {TotalGIntOps, Operation::Ratio, TotalIntOps, OffloadElapsedTime},
-    {TotalGMixedOps, Operation::Ratio, TotalMixedOps, OffloadElapsedTime},
-    {TotalFloatAi, Operation::Ratio, TotalFloatOps, TotalMem},
-    {TotalIntAi, Operation::Ratio, TotalIntOps, TotalMem},
-    {TotalMixedAi, Operation::Ratio, TotalMixedOps, TotalMem},
-    {OffloadL1Bandwidth, Operation::Ratio, OffloadL1Bytes, OffloadElapsedTime},
-    {OffloadL3Bandwidth, Operation::Ratio, OffloadL3Bytes, OffloadElapsedTime},
-    {OffloadLlcBandwidth, Operation::Ratio, OffloadLlcBytes, OffloadElapsedTime},
-    {OffloadDramBandwidth, Operation::Ratio, OffloadDramBytes, OffloadElapsedTime},
-    {OffloadHbmBandwidth, Operation::Ratio, OffloadHbmBytes, OffloadElapsedTime},
-    {OffloadEdramBandwidth, Operation::Ratio, OffloadEdramBytes, OffloadElapsedTime},
-    {OffloadGddr6Bandwidth, Operation::Ratio, OffloadGddr6Bytes, OffloadElapsedTime},
-    {OffloadXliBandwidth, Operation::Ratio, OffloadXliBytes, OffloadElapsedTime},
-    {OffloadSlmBandwidth, Operation::Ratio, OffloadSlmBytes, OffloadElapsedTime},
-});
+using Operation = Derivation;
+using Rule = DerivationRule;
 
 FieldType typeOf(FieldId field) { return kFields[static_cast<std::size_t>(fieldSlot(field))].type; }
 
@@ -307,11 +204,7 @@ private:
 
 void derive(RowTable& table, ResultKind kind, std::uint32_t usedThreads) {
     Deriver deriver(table, usedThreads);
-    const std::span<const Rule> cpu(kCpuRules);
-    const std::span<const Rule> gpu(kGpuRules);
-    const std::span<const Rule> offload(kOffloadRules);
-    for (const auto& rule : kind == ResultKind::Cpu ? cpu : kind == ResultKind::Gpu ? gpu : offload)
-        deriver.apply(rule);
+    for (const auto& rule : traitsOf(kind).rules()) deriver.apply(rule);
 }
 
 }  // namespace embedded_host

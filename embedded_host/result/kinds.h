@@ -4,6 +4,8 @@
 #include "host_interfaces/ids.h"
 
 #include "embedded_host/embedded_host.h"
+#include "embedded_host/result/derivation_tables.h"
+#include "embedded_host/result/view_models.h"
 
 #include <array>
 #include <cstddef>
@@ -20,6 +22,8 @@ struct KindTraits {
     data_models2::DataType rows;  // the dataset of all rows
     data_models2::FieldId time;   // elapsed time of a row
     bool hasLevels, hasDevice, hasTarget, hasStatistics;  // members of files of this kind alone
+    std::span<const DerivationRule> (*rules)();
+    decltype(&makeCpuView) makeView;
     bool isTopTime;  // the program's time is that of the top rows, else that of all
 };
 
@@ -36,6 +40,8 @@ inline constexpr auto kResultKinds = std::to_array<KindTraits>({
         .hasDevice = false,
         .hasTarget = false,
         .hasStatistics = false,
+        .rules = cpuRules,
+        .makeView = makeCpuView,
         .isTopTime = true,
     },
     {
@@ -49,6 +55,8 @@ inline constexpr auto kResultKinds = std::to_array<KindTraits>({
         .hasDevice = true,
         .hasTarget = false,
         .hasStatistics = true,
+        .rules = gpuRules,
+        .makeView = makeGpuView,
         .isTopTime = false,
     },
     {
@@ -62,6 +70,8 @@ inline constexpr auto kResultKinds = std::to_array<KindTraits>({
         .hasDevice = false,
         .hasTarget = true,
         .hasStatistics = false,
+        .rules = offloadRules,
+        .makeView = makeOffloadView,
         .isTopTime = false,
     },
 });

@@ -2,11 +2,8 @@
 #include "host_interfaces/signals.h"
 
 #include "embedded_host/embedded_host.h"
-#include "embedded_host/result/gpu_view_model.h"
 #include "embedded_host/result/kinds.h"
-#include "embedded_host/result/offload_view_model.h"
 #include "embedded_host/result/own_roofs.h"
-#include "embedded_host/result/view_model.h"
 
 #include <filesystem>
 #include <utility>
@@ -14,12 +11,6 @@
 namespace embedded_host {
 namespace {
 using namespace data_models2;
-
-// One of the two view models is there.
-struct Views {
-    std::shared_ptr<ISurveyingViewModel> measured;
-    std::shared_ptr<IPerfProjectionViewModel> projected;
-};
 
 class LoadedResult final : public Result {
 public:
@@ -63,18 +54,6 @@ std::string targetNameOf(const ResultFile& result, const Machine& machine) {
     return machine.device ? machine.device->name : std::string();
 }
 
-Views makeViews(ResultFile result, const std::shared_ptr<const Machine>& machine, const std::string& path) {
-    switch (result.kind) {
-        case ResultKind::Gpu:
-            return {makeGpuViewModel(std::move(result), machine, path), nullptr};
-        case ResultKind::Offload:
-            return {nullptr, makeOffloadViewModel(std::move(result), machine, path)};
-        case ResultKind::Cpu:
-            break;
-    }
-    return {makeViewModel(std::move(result), machine, path), nullptr};
-}
-
 // A machine without roofs when none is known.
 Machine findMachine(ResultFile& result, const std::string& path, const OpenOptions& options) {
     if (!options.machineFile.empty()) return openMachine(options.machineFile);
@@ -96,7 +75,7 @@ std::shared_ptr<Result> parseResult(const std::string& text, const std::string& 
     auto machine = std::make_shared<const Machine>(findMachine(result, path, options));
     const auto kind = result.kind;
     auto target = targetNameOf(result, *machine);
-    auto views = makeViews(std::move(result), machine, path);
+    auto views = traitsOf(kind).makeView(std::move(result), machine, path);
     return std::make_shared<LoadedResult>(kind, std::move(target), std::move(views), std::move(machine));
 }
 

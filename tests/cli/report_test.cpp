@@ -100,6 +100,26 @@ TEST(PageModel, HoldsWhatTheLibraryDraws) {
     }
 }
 
+TEST(PageModel, TellsTheRoofsOfARowAsTheListOfRowsDoes) {
+    const auto file = kExamples + "four_levels/result.json";
+    const auto result = open(file);
+    const auto model = json::parse(modelText(result), "the model");
+    const auto& holder = model["results"][0];
+    const auto listed = json::parse(run({"rows", file, "--config", "1", "--json", "-"}).out, "the rows");
+    for (const auto& row : json::items(listed, "rows")) {
+        const auto at = static_cast<rapidjson::SizeType>(result.rows().places.at(json::text(row, "id")));
+        const auto expectSame = [&](const char* roof, const char* fraction, const std::string& listedRoof) {
+            const auto &name = holder["rows"][roof][at], &part = holder["rows"][fraction][at];
+            const auto listedPart = json::number(row, ("fraction_of_" + listedRoof).c_str());
+            EXPECT_EQ(name.IsNull() ? "" : holder["dictionary"][name.GetUint()].GetString(),
+                      json::text(row, listedRoof.c_str()));
+            EXPECT_NEAR(part.IsNull() ? -1.0 : part.GetDouble(), listedPart.value_or(-1.0), 1e-5);
+        };
+        expectSame("limit", "fraction", "limiting_roof");
+        expectSame("nearest", "nearestFraction", "nearest_level_roof");
+    }
+}
+
 TEST(PageModel, ServesSingleAnswersAlike) {
     const auto result = open(kQuick);
     const auto text = modelText(result);
