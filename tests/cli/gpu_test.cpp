@@ -3,6 +3,7 @@
 
 #include "cli/json.h"
 #include "tests/cli/program_run.h"
+#include "tests/embedded_host/result_text.h"
 
 #include <gmock/gmock.h>
 
@@ -28,24 +29,24 @@ constexpr double kHbm = 1406.8727;  // GB/s, as machine.json has it
 // Two sub-devices; a kernel of counted instructions, one of which only sums are known, one without
 // operations.
 std::string twoSubDevices(const std::string& device) {
-    return R"({"format": "roofline-result", "version": 1, "kind": "gpu",
-        "machine": {"format": "roofline-machine", "version": 1, "name": "m", )" +
-           device + R"("packages": 2, "roofs": [
+    const auto machine = embedded_host::test::machineText(R"(
             {"id": 1, "value": 400, "unit": "GB/s", "packages": 2},
             {"id": 24, "value": 200, "unit": "GB/s", "packages": 2},
-            {"id": 7, "value": 80, "unit": "GFLOP/s", "packages": 2}]}, "rows": [
+            {"id": 7, "value": 80, "unit": "GFLOP/s", "packages": 2})",
+                                                          R"(, "packages": 2)" + device);
+    return embedded_host::test::gpuText(R"(
         {"id": 1, "cells": {"FunctionName": "counted", "GpuElapsedTime": 1, "SelfFloatOps": 10,
              "SelfIntOps": 0, "GpuCarmTraffic": 1, "GpuL3Traffic": 1, "GpuMemTraffic": 1}, "statistics": [
              {"instruction": "fma", "type": "float", "width": 32, "operations": 10, "instructions": 1000}]},
         {"id": 2, "cells": {"FunctionName": "uncounted", "GpuElapsedTime": 1, "SelfFloatOps": 10,
              "SelfIntOps": 0, "GpuCarmTraffic": 1, "GpuMemTraffic": 1}},
-        {"id": 3, "cells": {"FunctionName": "idle", "GpuElapsedTime": 1, "SelfFloatOps": 0}}]})";
+        {"id": 3, "cells": {"FunctionName": "idle", "GpuElapsedTime": 1, "SelfFloatOps": 0}})",
+                                        R"(, "machine": )" + machine);
 }
-const char* const kDevice = R"("device": {"name": "d", "subDevices": 2, "memory": "DRAM"}, )";
+const char* const kDevice = R"(, "device": {"name": "d", "subDevices": 2, "memory": "DRAM"})";
 
 std::map<std::string, std::map<std::string, double>> cellsOfRunA() {
-    const auto text = embedded_host::readFile(kRunA);
-    const auto root = json::parse(text, "run A");
+    const auto root = json::parse(embedded_host::readFile(kRunA), "run A");
     std::map<std::string, std::map<std::string, double>> rows;
     for (const auto& row : json::items(root, "rows"))
         for (const auto& [name, cell] : json::member(row, "cells")->GetObject())
@@ -82,9 +83,9 @@ TEST_F(Gpu, ChartsDrawWhatWasMeasuredAlsoAboveTheRoof) {
     const auto cells = cellsOfRunA();
     ASSERT_EQ(cells.size(), 167u);
     for (const auto& [option, field] : {std::pair("f", "SelfFloatOps"), std::pair("i", "SelfIntOps")}) {
-        const auto chart = run({"chart", kRunA, "--config", option, "--json", "-"}).out;
         std::size_t drawn = 0, above = 0;
-        const auto document = json::parse(chart, "chart");
+        const auto document =
+            json::parse(run({"chart", kRunA, "--config", option, "--json", "-"}).out, "chart");
         for (const auto& record : json::items(document, "loops")) {
             const auto& row = cells.at(json::text(record, "id"));
             const double operations = row.at(field), traffic = row.at("GpuMemTraffic");
@@ -147,14 +148,12 @@ TEST_F(Gpu, RefusesWhatHasNoMeaning) {
 }
 
 TEST_F(Gpu, TwoRunsOfOneProgramAreTheSame) {
-    const auto text = run({"compare", kRunA, kRunB, "--json", "-"}).out;
-    const auto root = json::parse(text, "comparison");
+    const auto root = json::parse(run({"compare", kRunA, kRunB, "--json", "-"}).out, "comparison");
     const auto pairs = json::items(root, "pairs");
     EXPECT_EQ(pairs.Size(), 167u);
-    const auto nameOf = [](const auto& pair, const char* side) { return json::text(pair[side], "name"); };
     for (const auto& pair : pairs) {
         EXPECT_EQ(json::text(pair, "change"), "noise");
-        EXPECT_EQ(nameOf(pair, "base"), nameOf(pair, "new"));
+        EXPECT_EQ(json::text(pair["base"], "name"), json::text(pair["new"], "name"));
     }
 }
 

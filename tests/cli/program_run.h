@@ -4,11 +4,10 @@
 #include "embedded_host/embedded_host.h"
 
 #include "cli/program.h"
+#include "tests/embedded_host/folder_test.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -40,20 +39,6 @@ inline void expectRefused(const std::vector<std::string>& arguments, int code, c
     EXPECT_EQ(result.err.find('\n') + 1, result.err.size()) << result.err;
 }
 
-class FolderTest : public ::testing::Test {
-protected:
-    FolderTest() {
-        auto name = (std::filesystem::temp_directory_path() / "roofline-XXXXXX").string();
-        m_folder = mkdtemp(name.data());
-    }
-    ~FolderTest() override { std::filesystem::remove_all(m_folder); }
-    std::string path(const char* name) const { return (m_folder / name).string(); }
-    std::string file(const char* name, const std::string& text) const {
-        embedded_host::writeFile(path(name), text, true);
-        return path(name);
-    }
-
-    std::filesystem::path m_folder;
-};
+using embedded_host::test::FolderTest;
 
 }  // namespace cli::test

@@ -6,6 +6,7 @@
 #include "cli/page/page_file.h"
 #include "cli/page/texts.h"
 #include "tests/cli/program_run.h"
+#include "tests/embedded_host/result_text.h"
 
 #include <gmock/gmock.h>
 
@@ -15,6 +16,7 @@
 namespace cli::page {
 namespace {
 
+using embedded_host::test::resultText;
 using json::Value;
 using test::expectRefused;
 using test::run;
@@ -33,6 +35,15 @@ std::string modelText(const Result& result, std::size_t detailed = kMostDetails)
     ModelRequest request;
     request.results = {&result};
     return Model(request, [] {}).text(detailed);
+}
+
+// The model of a report as its program writes it.
+rapidjson::Document reportOf(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "report");
+    arguments.insert(arguments.end(), {"--json", "-"});
+    const auto answer = run(arguments);
+    EXPECT_EQ(answer.code, kDone) << answer.err;
+    return json::parse(answer.out, "the model");
 }
 
 double valueAt(const Value& columns, const Value& column, std::size_t row) {
@@ -61,10 +72,8 @@ void expectSameRecords(const Result& result, const Value& holder, const Value& c
         }
         const auto parent = json::number(record, "parent");
         const auto found = chart["parents"].IsNull() ? NAN : valueAt(columns, chart["parents"], row);
-        if (parent)
-            EXPECT_EQ(found, static_cast<double>(places[static_cast<std::size_t>(*parent)]));
-        else
-            EXPECT_TRUE(std::isnan(found));
+        EXPECT_EQ(parent.has_value(), !std::isnan(found));
+        if (parent) EXPECT_EQ(found, static_cast<double>(places[static_cast<std::size_t>(*parent)]));
     }
     for (std::size_t row = 0; row < isPlaced.size(); ++row) {
         const auto* const placed = json::member(chart["loops"], chart["placed"].GetString());
@@ -77,9 +86,8 @@ void expectSameRecords(const Result& result, const Value& holder, const Value& c
 }
 
 TEST(PageModel, HoldsWhatTheLibraryDraws) {
-    const std::tuple<std::string, std::size_t> results[] = {
-        {kQuick, 72}, {kExamples + "four_levels/result.json", 72}, {kGpu, 8}, {kGcc, 6}};
-    for (const auto& [file, charts] : results) {
+    for (const auto& [file, charts] :
+         {std::pair(kQuick, 72u), {kExamples + "four_levels/result.json", 72u}, {kGpu, 8u}, {kGcc, 6u}}) {
         SCOPED_TRACE(file);
         const auto result = open(file);
         const auto model = json::parse(modelText(result), "the model");
@@ -187,12 +195,9 @@ TEST(PageTexts, KnowTheWordsOfEachKind) {
 }
 
 TEST_F(Report, NamesPlacesAndInstructionClasses) {
-    const auto result = file("mix.json", R"({"format": "roofline-result", "version": 1, "kind": "cpu",
-        "rows": [{"id": 1, "kind": "loop", "mix": {"12": 3, "5": 1}, "cells": {"ThreadCount": 1,
-            "SelfElapsedTime": 1, "SelfFloatOps": 1, "SelfMemL1": 1}}]})");
-    const auto answer = run({"report", result, "--json", "-"});
-    ASSERT_EQ(answer.code, kDone) << answer.err;
-    const auto model = json::parse(answer.out, "the model");
+    const auto model =
+        reportOf({file("mix.json", resultText(R"({"id": 1, "kind": "loop", "mix": {"12": 3, "5": 1},
+        "cells": {"ThreadCount": 1, "SelfElapsedTime": 1, "SelfFloatOps": 1, "SelfMemL1": 1}})"))});
     const auto& holder = model["results"][0];
     EXPECT_STREQ(holder["place"].GetString(), "1 thread on 1 package");
     const auto& mix = holder["details"]["1"]["mix"];
@@ -201,15 +206,13 @@ TEST_F(Report, NamesPlacesAndInstructionClasses) {
 }
 
 TEST_F(Report, ComparesTwoResults) {
-    const auto answer = run({"report", kGcc, "--compare", kClang, "--json", "-"});
-    const auto model = json::parse(answer.out, "the model");
+    const auto model = reportOf({kGcc, "--compare", kClang});
     ASSERT_EQ(model["results"].Size(), 2U);
     const auto& comparison = model["comparison"];
     ASSERT_EQ(comparison["pairs"].Size(), 67U);
     double before = 0.0;
+    const auto &rows = model["results"][0]["rows"], &others = model["results"][1]["rows"];
     for (const auto& pair : comparison["pairs"].GetArray()) {
-        const auto& rows = model["results"][0]["rows"];
-        const auto& others = model["results"][1]["rows"];
         const auto base = pair["base"].GetUint(), other = pair["new"].GetUint();
         EXPECT_STREQ(rows["name"][base].GetString(), others["name"][other].GetString());
         EXPECT_EQ(pair["timeNew"].GetDouble(), others["time"][other].GetDouble());
@@ -221,21 +224,14 @@ TEST_F(Report, ComparesTwoResults) {
 
 // Values beyond any chart stay JSON, and names stay names.
 TEST_F(Report, EnduresHostileResults) {
-    const auto name = R"(</script><img src=x onerror=alert(1)>{{CSP}})";
-    const auto result =
-        file("odd.json", std::string(R"({"format": "roofline-result", "version": 1, "kind": "cpu",
-        "program": {"name": ")") +
-                             name + R"("}, "rows": [
-        {"id": 1, "kind": "loop", "cells": {"FunctionName": ")" +
-                             name +
-                             R"(", "SelfElapsedTime": 1e-300,
-            "SelfFloatOps": 1e300, "SelfMemL1": 1e-300}},
-        {"id": 2, "kind": "loop", "cells": {"SelfElapsedTime": 1, "SelfMemL1": 1}}]})");
-    const auto answer = run({"report", result, "--json", "-"});
-    ASSERT_EQ(answer.code, kDone) << answer.err;
-    const auto model = json::parse(answer.out, "the model");
+    const std::string name = R"(</script><img src=x onerror=alert(1)>{{CSP}})";
+    const auto rows = R"({"id": 1, "kind": "loop", "cells": {"FunctionName": ")" + name + R"(",
+            "SelfElapsedTime": 1e-300, "SelfFloatOps": 1e300, "SelfMemL1": 1e-300}},
+        {"id": 2, "kind": "loop", "cells": {"SelfElapsedTime": 1, "SelfMemL1": 1}})";
+    const auto program = R"(, "program": {"name": ")" + name + "\"}";
+    const auto model = reportOf({file("odd.json", resultText(rows, program))});
     const auto& holder = model["results"][0];
-    EXPECT_STREQ(holder["rows"]["name"][0].GetString(), name);
+    EXPECT_EQ(holder["rows"]["name"][0].GetString(), name);
     EXPECT_TRUE(holder["rows"]["performance"][1].IsNull());
     const auto cause = holder["charts"]["f-1"]["causes"][1].GetUint();
     EXPECT_STREQ(holder["dictionary"][cause].GetString(), "no float operations");
@@ -277,12 +273,8 @@ TEST(PageFile, HasDetailsOfAsManyRowsAsFit) {
 }
 
 TEST(PageFile, SaysHowToTurnReportsOn) {
-    try {
-        requireResources(nullptr);
-        FAIL();
-    } catch (const std::runtime_error& error) {
-        EXPECT_THAT(error.what(), HasSubstr("scripts/setup.sh"));
-    }
+    EXPECT_THAT([] { requireResources(nullptr); },
+                ::testing::ThrowsMessage<std::runtime_error>(HasSubstr("scripts/setup.sh")));
 }
 
 TEST_F(Report, IsOneFile) {

@@ -15,23 +15,20 @@ std::vector<Roof> twoAndTwo() { return parseRoofs(test::kRoofs); }
 TEST(Scales, RoofsMeetAtTheirRidges) {
     const auto roofs = twoAndTwo();
     const Ranges ranges{{-3.0, 3.0}, {-3.0, 3.0}};
-    struct Row {
-        const char* name;
-        double fromX, fromY, toX, toY;  // as numbers, not logarithms
-    };
-    // 50 GFLOP/s over 100 and 10 GB/s: ridges at 0.5 and 5; 5 GFLOP/s over 100 GB/s: at 0.05.
-    const Row rows[] = {{"L1 Bandwidth", 0.001, 0.1, 0.5, 50.0},
-                        {"DRAM Bandwidth", 0.001, 0.01, 5.0, 50.0},
-                        {"Vector Peak", 0.5, 50.0, 1000.0, 50.0},
-                        {"Scalar Peak", 0.05, 5.0, 1000.0, 5.0}};
+    // 50 GFLOP/s over 100 and 10 GB/s: ridges at 0.5 and 5; 5 GFLOP/s over 100 GB/s: at 0.05. Both ends as
+    // numbers, not logarithms.
+    const std::tuple<const char*, Point, Point> rows[] = {{"L1 Bandwidth", {0.001, 0.1}, {0.5, 50.0}},
+                                                          {"DRAM Bandwidth", {0.001, 0.01}, {5.0, 50.0}},
+                                                          {"Vector Peak", {0.5, 50.0}, {1000.0, 50.0}},
+                                                          {"Scalar Peak", {0.05, 5.0}, {1000.0, 5.0}}};
     for (std::size_t i = 0; i < roofs.size(); ++i) {
-        SCOPED_TRACE(rows[i].name);
+        const auto& [name, from, to] = rows[i];
+        EXPECT_EQ(roofs[i].name, name);
         const auto span = roofSpan(roofs[i], roofs, ranges);
-        EXPECT_EQ(roofs[i].name, rows[i].name);
-        EXPECT_NEAR(span.from.x, std::log10(rows[i].fromX), 1e-12);
-        EXPECT_NEAR(span.from.y, std::log10(rows[i].fromY), 1e-12);
-        EXPECT_NEAR(span.to.x, std::log10(rows[i].toX), 1e-12);
-        EXPECT_NEAR(span.to.y, std::log10(rows[i].toY), 1e-12);
+        for (const auto& [end, expected] : {std::pair(span.from, from), {span.to, to}}) {
+            EXPECT_NEAR(end.x, std::log10(expected.x), 1e-12) << name;
+            EXPECT_NEAR(end.y, std::log10(expected.y), 1e-12) << name;
+        }
     }
 }
 

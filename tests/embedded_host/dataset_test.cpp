@@ -1,4 +1,4 @@
-// Datasets as views on the rows of a result file: tree and flat order, cells, foreign nodes, lifetime.
+// Datasets as views on the rows of a result file: tree and flat order, cells, mixes, foreign nodes, lifetime.
 #include "host_interfaces/signals.h"
 
 #include "tests/embedded_host/result_text.h"
@@ -102,9 +102,8 @@ TEST(Dataset, GivesEachFieldTypeItsVariantKind) {
     EXPECT_EQ(kindAndText(FieldId::UnrollFactor), "7 4294967295");
     EXPECT_EQ(kindAndText(FieldId::SelfTime), "11 0.1");
     EXPECT_EQ(kindAndText(FieldId::SelfFloatOps), "11 0");
-    EXPECT_EQ(dataset->getColumn(FieldId::NestingLevel), nullptr);
-    EXPECT_EQ(dataset->getColumn(static_cast<FieldId>(-5)), nullptr);
-    EXPECT_EQ(dataset->getColumn(static_cast<FieldId>(100'000)), nullptr);
+    for (const int absent : {static_cast<int>(FieldId::NestingLevel), -5, 100'000})
+        EXPECT_EQ(dataset->getColumn(static_cast<FieldId>(absent)), nullptr);
 }
 
 TEST(Dataset, RefusesNodesThatAreNotItsOwn) {
@@ -193,6 +192,57 @@ TEST(Dataset, TotalsAreThoseOfASumFromBelow) {
         for (const auto& row : listOf(dataset->getRows(0)))
             RC_ASSERT(cell(dataset, row, FieldId::TotalFloatOps) == expected[row->getId()]);
     }));
+}
+
+// The value of a cell that stands in a file as `number`.
+double readNumber(const std::string& number) {
+    const auto dataset =
+        viewOf(R"({"id": 1, "cells": {"SelfTime": )" + number + "}}")->getDataset(DataType::Cpu);
+    variant_t cell;
+    EXPECT_TRUE(dataset->getValue(*dataset->getRows(0), dataset->getColumn(FieldId::SelfTime), 0, cell));
+    return cell.toDouble();
+}
+
+TEST(NumberReading, GivesTheNearestDoubleWhateverTheForm) {
+    EXPECT_EQ(readNumber("2.2250738585072011e-308"), 2.2250738585072011e-308);
+    EXPECT_EQ(readNumber("9007199254740993"), 9007199254740992.0);
+    EXPECT_EQ(readNumber("179769313486231570000e288"), 1.7976931348623157e308);
+    EXPECT_EQ(readNumber("0e232"), 0.0);
+    EXPECT_EQ(readNumber("0." + std::string(330, '0') + "6151611032038197712"), 0.0);
+    EXPECT_EQ(readNumber("0." + std::string(330, '0') + "6151611032038197712e330"), 0.6151611032038197712);
+}
+
+std::string mixText(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset) {
+    std::string text;
+    for (const auto& [number, count] : getInstructionMixMap(row, dataset))
+        text += fmt::format("{}:{} ", number, toText(count));
+    return text;
+}
+
+constexpr const char* kRows = R"({"id": 1, "children": [
+    {"id": 9, "mix": {"74": 80, "3": 0, "63": 9223372036854775807, "2147483647": 1, "000": 2}}]})";
+
+TEST(InstructionMix, IsThatOfTheRowInBothDatasets) {
+    const auto view = viewOf(kRows);
+    for (const auto type : {DataType::Cpu, DataType::CpuTopDown}) {
+        const auto dataset = view->getDataset(type);
+        const bool isFlat = type == DataType::Cpu;
+        const auto row =
+            isFlat ? *++dataset->getRows(0) : *dataset_helpers::getChildren(*dataset->getRows(0));
+        EXPECT_EQ(mixText(row, dataset), "0:2 3:0 63:9223372036854775807 74:80 2147483647:1 ");
+    }
+}
+
+TEST(InstructionMix, IsEmptyForNullsAndForeignNodes) {
+    const char* const rows = R"({"id": 1, "mix": {"3": 1}, "children": [{"id": 2, "mix": {"3": 2}}]})";
+    const auto view = viewOf(rows);
+    const auto flat = view->getDataset(DataType::Cpu);
+    const auto row = *flat->getRows(0);
+    EXPECT_EQ(mixText(row, flat), "3:1 ");
+    EXPECT_EQ(mixText(nullptr, flat), "");
+    EXPECT_EQ(mixText(row, nullptr), "");
+    EXPECT_EQ(mixText(row, view->getDataset(DataType::CpuTopDown)), "");
+    EXPECT_EQ(mixText(row, viewOf(rows)->getDataset(DataType::Cpu)), "");
 }
 
 }  // namespace

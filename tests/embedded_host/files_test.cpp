@@ -1,15 +1,13 @@
 // Files on disk: reading, writing, machines beside results, the schemas against the examples.
 #include "host_interfaces/signals.h"
 
+#include "tests/embedded_host/folder_test.h"
 #include "tests/embedded_host/result_text.h"
 
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 #include <rapidjson/schema.h>
 #include <rapidjson/stringbuffer.h>
-
-#include <filesystem>
-#include <unistd.h>
 
 namespace embedded_host::test {
 namespace {
@@ -18,21 +16,7 @@ namespace fs = std::filesystem;
 
 const std::string kSource = OMBRIX_SOURCE_DIR;
 
-class Files : public testing::Test {
-protected:
-    Files()
-        : m_folder(
-              fs::temp_directory_path() /
-              fmt::format("result_files_{}", testing::UnitTest::GetInstance()->random_seed() + ::getpid())) {
-        fs::create_directories(m_folder);
-    }
-    ~Files() override { fs::remove_all(m_folder); }
-    std::string path(const std::string& name) const { return (m_folder / name).string(); }
-    long count() const { return std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()); }
-
-private:
-    fs::path m_folder;
-};
+using Files = FolderTest;
 
 TEST_F(Files, AreReplacedOnlyWhenThatIsWanted) {
     writeFile(path("a"), "one", false);
@@ -42,7 +26,7 @@ TEST_F(Files, AreReplacedOnlyWhenThatIsWanted) {
     EXPECT_EQ(readFile(path("a")), "three");
     EXPECT_THROW(writeFile(path("no/such/folder"), "x", true), FileError);
     EXPECT_THROW(readFile(path("")), FileError);
-    EXPECT_EQ(count(), 1);  // no temporary is left
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), {}), 1);  // no temporary is left
     fs::create_symlink(path("a"), path("link"));
     writeFile(path("link"), "two", true);
     EXPECT_TRUE(fs::is_symlink(path("link")));
@@ -56,11 +40,9 @@ TEST_F(Files, AMachineIsFoundBesideItsResultUnlessAnotherReplacesIt) {
     const auto roof = [](int value) {
         return fmt::format(R"({{"id": 6, "value": {}, "unit": "B/s"}})", value);
     };
-    writeFile(path("machines/own.json"), machineText(roof(1), R"(, "name": "own", "cores": {"physical": 3})"),
-              false);
-    writeFile(path("other.json"), machineText(roof(2), R"(, "name": "other")"), false);
-    writeFile(path("result.json"), resultText("", R"(, "machine": "machines/own.json")"), false);
-    const auto own = openResult(path("result.json"));
+    file("machines/own.json", machineText(roof(1), R"(, "name": "own", "cores": {"physical": 3})"));
+    file("other.json", machineText(roof(2), R"(, "name": "other")"));
+    const auto own = openResult(file("result.json", resultText("", R"(, "machine": "machines/own.json")")));
     EXPECT_EQ(own->machineName(), "own");
     EXPECT_EQ(own->viewModel()->getPhysicalCoreCount(), 3);
     fs::remove_all(path("machines"));
@@ -116,21 +98,16 @@ std::string exampleOf(const std::string& page) {
 }
 
 TEST(Schemas, HoldTheExamplesAndThePages) {
-    const auto resultPage = exampleOf("result_file.md");
-    const auto machinePage = exampleOf("machine_file.md");
-    for (const std::string name : {"result", "machine"}) {
-        const auto example = readFile(kSource + "/examples/quick/" + name + ".json");
-        EXPECT_EQ(schemaRefusal(name + "_file.schema.json", example), "");
-        EXPECT_EQ(schemaRefusal(name + "_file.schema.json", exampleOf(name + "_file.md")), "");
-    }
-    for (const std::string name : {"measured", "projected"}) {
-        const auto example = readFile(kSource + "/examples/offload_v100/" + name + ".json");
-        EXPECT_EQ(schemaRefusal("result_file.schema.json", example), "") << name;
-    }
+    const auto resultPage = exampleOf("result_file.md"), machinePage = exampleOf("machine_file.md");
     const auto whole = resultText("", R"(, "machine": )" + machinePage);
-    EXPECT_EQ(schemaRefusal("result_file.schema.json", whole), "");
-    OpenOptions withQuickMachine{.machineFile = kSource + "/examples/quick/machine.json"};
-    EXPECT_NO_THROW(parseResult(resultPage, "page", withQuickMachine));
+    const auto example = [](const std::string& name) { return readFile(kSource + "/examples/" + name); };
+    for (const auto& text : {resultPage, whole, example("quick/result.json"),
+                             example("offload_v100/measured.json"), example("offload_v100/projected.json")})
+        EXPECT_EQ(schemaRefusal("result_file.schema.json", text), "") << text.substr(0, 200);
+    for (const auto& text : {machinePage, example("quick/machine.json")})
+        EXPECT_EQ(schemaRefusal("machine_file.schema.json", text), "");
+    EXPECT_NO_THROW(
+        parseResult(resultPage, "page", {.machineFile = kSource + "/examples/quick/machine.json"}));
     EXPECT_NO_THROW(parseResult(whole, "page"));
 }
 

@@ -108,11 +108,10 @@ TEST(GpuResult, TakesTheDeviceOfTheResultElseOfTheMachine) {
         EXPECT_EQ(view->getPackageCount(), subDevices) << members;
     }
     for (const std::string uncharted : {"GDDR6", "EDRAM", "LLC"})
-        EXPECT_EQ(
-            refusalOf(gpuText("", R"(, "device": {"memory": ")" + uncharted + "\"}")),
-            "test.json: /device/memory: expected \"DRAM\" for a memory that no chart of a device has a level "
-            "for, found the text \"" +
-                uncharted + "\"");
+        EXPECT_EQ(refusalOf(gpuText("", R"(, "device": {"memory": ")" + uncharted + "\"}")),
+                  R"(test.json: /device/memory: expected "DRAM" for a memory that no chart of a device )"
+                  R"(has a level for, found the text ")" +
+                      uncharted + '"');
 }
 
 TEST(GpuRoofTable, ScalesByTheSubDevicesAskedFor) {
@@ -130,31 +129,21 @@ TEST(GpuRoofTable, ScalesByTheSubDevicesAskedFor) {
          "opKind": "matrix"})",
                               R"(, "custom": [{"id": 16, "value": 20, "unit": "GINTOP/s", "packages": 2}])"))
             ->getRoofManager(DataType::Gpu);
-    const auto single = [](OperationsType type) {
-        return roof::getGpuRoofConfiguration(TileUsage::Single, type);
-    };
-    const auto multi = [](OperationsType type) {
-        return roof::getGpuRoofConfiguration(TileUsage::Multi, type);
-    };
+    using enum OperationsType;
+    using enum TileUsage;
+    using roof::getGpuRoofConfiguration;
     const std::tuple<std::string, const char*> cases[] = {
-        {single(OperationsType::Undefined), "1=100 7=55 16=9 23=5 25=15 90=500"},
-        {multi(OperationsType::Undefined), "1=200 7=100 16=20 23=5 25=30 90=1000"},
-        {multi(OperationsType::Float), "1=200 7=100 23=5 25=30 90=1000"},
-        {multi(OperationsType::Int), "1=200 16=20 23=5 25=30"},
+        {getGpuRoofConfiguration(Single, Undefined), "1=100 7=55 16=9 23=5 25=15 90=500"},
+        {getGpuRoofConfiguration(Multi, Undefined), "1=200 7=100 16=20 23=5 25=30 90=1000"},
+        {getGpuRoofConfiguration(Multi, Float), "1=200 7=100 23=5 25=30 90=1000"},
+        {getGpuRoofConfiguration(Multi, Int), "1=200 16=20 23=5 25=30"},
         {"", "1=200 7=100 16=20 23=5 25=30 90=1000"},
         {"tiles=3;operations=0", ""},
         {roof::getCpuRoofConfiguration({}, OperationsType::Mixed, IRooflineInfo::Perspective::Program), ""},
     };
-    for (const auto& [configuration, expected] : cases) {
-        std::string line;
-        for (auto each = roofs->getRoofs(configuration); !each.isEnd(); ++each) {
-            const auto roof = *each;
-            line += fmt::format("{}{}={}", line.empty() ? "" : " ", static_cast<int>(roof.id),
-                                static_cast<double>(roof.value) / 1e9);
-            if (roof.id == RoofId{90}) EXPECT_EQ(roof.roofOpType, RoofOpType::Matrix);
-        }
-        EXPECT_EQ(line, expected) << configuration;
-    }
+    for (const auto& [configuration, expected] : cases)
+        EXPECT_EQ(roofsOf(roofs->getRoofs(configuration)), expected) << configuration;
+    EXPECT_EQ(listOf(roofs->getRoofs("")).back().roofOpType, RoofOpType::Matrix);
 }
 
 }  // namespace

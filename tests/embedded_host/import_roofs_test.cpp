@@ -1,29 +1,26 @@
 // Tables of roofs as machine files: what the reader of machine files gets of them, and what is refused.
-#include "embedded_host/embedded_host.h"
 #include "embedded_host/result/machine_file.h"
+
+#include "tests/embedded_host/folder_test.h"
+#include "tests/embedded_host/result_text.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
-#include <unistd.h>
 
+namespace embedded_host::test {
 namespace {
 
-using namespace embedded_host;
 using data_models2::RoofThreadingFeatures;
 
-std::string imported(const std::string& table, const std::string& name = "m") {
-    const std::string path = testing::TempDir() + fmt::format("import_roofs_test_{}.csv", getpid());
-    std::ofstream(path, std::ios::binary) << table;
-    struct Removed {
-        const std::string& file;
-        ~Removed() { unlink(file.c_str()); }
-    } removed{path};
-    return importRoofs(path, name);
-}
+class ImportRoofs : public FolderTest {
+protected:
+    std::string imported(const std::string& table, const std::string& name = "m") const {
+        return importRoofs(file("roofs.csv", table), name);
+    }
+};
 
 Machine readBack(const std::string& text) {
     const JsonFile file("m.json", text);
@@ -39,7 +36,7 @@ std::string linesOf(const Machine& machine) {
     return lines;
 }
 
-TEST(ImportRoofs, GivesTheReaderOfMachineFilesTheValuesOfTheTable) {
+TEST_F(ImportRoofs, GivesTheReaderOfMachineFilesTheValuesOfTheTable) {
     const Machine machine =
         readBack(imported("unit,value,how,strategy,roof,threads,packages\n"
                           "GB/s,130.66,measured,,L1 load bandwidth,1,\n"
@@ -58,7 +55,7 @@ TEST(ImportRoofs, GivesTheReaderOfMachineFilesTheValuesOfTheTable) {
               "8 DP Vector FMA Peak 500000000 threads 36 packages 2 strategy 0\n");
 }
 
-TEST(ImportRoofs, KnowsTheRoofsByTheirCaptionsAndByTheNamesOfBenchmarks) {
+TEST_F(ImportRoofs, KnowsTheRoofsByTheirCaptionsAndByTheNamesOfBenchmarks) {
     const std::tuple<const char*, int, bool> cases[] = {
         {"l2  LOAD bandwidth", 2, true},   {"memory bandwidth", 6, true},
         {"DRAM Bandwidth", 6, true},       {"sp vector fma", 7, false},
@@ -75,7 +72,7 @@ TEST(ImportRoofs, KnowsTheRoofsByTheirCaptionsAndByTheNamesOfBenchmarks) {
     }
 }
 
-TEST(ImportRoofs, RefusesWhatAMachineFileCannotHoldAndNamesTheCell) {
+TEST_F(ImportRoofs, RefusesWhatAMachineFileCannotHoldAndNamesTheCell) {
     // Below the header "threads,roof,unit,value,packages,how,strategy".
     const std::pair<const char*, const char*> cases[] = {
         {"", "no roofs below the header"},
@@ -95,19 +92,14 @@ TEST(ImportRoofs, RefusesWhatAMachineFileCannotHoldAndNamesTheCell) {
         {"1,scalar add,GOP/s,1,,,\n2,scalar add,GOP/s,1,,,\n1,Scalar Add Peak,GOP/s,2,,,\n",
          "line 4, column \"roof\": the Scalar Add Peak stands above for the same threads"},
     };
-    const auto faultOf = [](const std::string& table) -> std::string {
-        try {
-            return "accepted: " + imported(table);
-        } catch (const FileError& error) {
-            return error.what();
-        }
-    };
+    const auto refusal = [&](const std::string& table) { return faultOf([&] { imported(table); }); };
     for (const auto& [rows, fault] : cases)
-        EXPECT_THAT(faultOf(std::string("threads,roof,unit,value,packages,how,strategy\n") + rows),
+        EXPECT_THAT(refusal(std::string("threads,roof,unit,value,packages,how,strategy\n") + rows),
                     testing::HasSubstr(fault));
-    EXPECT_THAT(faultOf("threads,roof,unit\n"), testing::HasSubstr("no column \"value\""));
-    EXPECT_THAT(faultOf("threads,roof,unit,value,package\n"),
+    EXPECT_THAT(refusal("threads,roof,unit\n"), testing::HasSubstr("no column \"value\""));
+    EXPECT_THAT(refusal("threads,roof,unit,value,package\n"),
                 testing::HasSubstr("unknown column \"package\" (did you mean \"packages\"?)"));
 }
 
 }  // namespace
+}  // namespace embedded_host::test

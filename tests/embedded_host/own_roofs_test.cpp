@@ -1,10 +1,9 @@
 // Own values of roofs: what they hold for, and what the machine file keeps of them.
+#include "tests/embedded_host/folder_test.h"
 #include "tests/embedded_host/result_text.h"
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <stdexcept>
 #include <thread>
@@ -20,20 +19,7 @@ const std::string kMachine = machineText(R"({"id": 6, "value": 10.00, "unit": "G
     {"id": 16, "value": 2e1, "unit": "GINTOP/s"})") +
                              "\n";
 
-class OwnRoofsTest : public testing::Test {
-protected:
-    OwnRoofsTest() {
-        auto name = (std::filesystem::temp_directory_path() / "own-roofs-XXXXXX").string();
-        m_folder = mkdtemp(name.data());
-    }
-    ~OwnRoofsTest() override { std::filesystem::remove_all(m_folder); }
-    std::string file(const std::string& name, const std::string& text = kMachine) const {
-        const auto path = (m_folder / name).string();
-        std::ofstream(path) << text;
-        return path;
-    }
-    std::filesystem::path m_folder;
-};
+using OwnRoofsTest = FolderTest;
 
 // A program of three threads.
 std::shared_ptr<Result> open(const std::string& machine) {
@@ -66,7 +52,7 @@ TEST_F(OwnRoofsTest, HoldForTheirSetUpUntilTheyAreCleared) {
         threads = threads == 0 || threads == 3 ? 4 : threads == 5 ? 6 : threads;
         return features;
     };
-    const auto path = file("machine.json");
+    const auto path = file("machine.json", kMachine);
     const auto table = tableOf(open(path));
     std::map<RoofThreadingFeatures, std::uint64_t> own;
     const auto check = [&](const std::shared_ptr<IRoofManager>& asked) {
@@ -97,7 +83,7 @@ TEST_F(OwnRoofsTest, HoldForTheirSetUpUntilTheyAreCleared) {
 }
 
 TEST_F(OwnRoofsTest, StandBesideWhatOthersWroteInTheFile) {
-    const auto path = file("machine.json");
+    const auto path = file("machine.json", kMachine);
     const auto table = tableOf(open(path));
     const std::string others = R"({"threads":5,"unit":"KiB/s" , "id":6,"value":1e1})";
     auto text = kMachine;
@@ -112,9 +98,9 @@ TEST_F(OwnRoofsTest, StandBesideWhatOthersWroteInTheFile) {
 }
 
 TEST_F(OwnRoofsTest, ChangeNothingWhenTheyCannotBeKept) {
-    const auto good = open(file("good.json")), broken = open(file("broken.json")),
-               gone = open(file("gone.json"));
-    const auto full = open(file(std::string(252, 'm')));  // no room for the name of a temporary beside it
+    const auto openCopy = [&](const std::string& name) { return open(file(name, kMachine)); };
+    const auto good = openCopy("good.json"), broken = openCopy("broken.json"), gone = openCopy("gone.json");
+    const auto full = openCopy(std::string(252, 'm'));  // no room for the name of a temporary beside it
     file("broken.json", "no machine");
     std::filesystem::remove(m_folder / "gone.json");
     const auto inside = parseResult(resultText("", R"(, "machine": )" + kMachine), "r.json");

@@ -40,15 +40,14 @@ struct ProjectedCase {
 TEST(Projector, TakesTheLongestBoundPlusTaxes) {
     const std::string tax = R"(, "taxes": {"launch": 0.25, "transfer": 2})";
     const ProjectedCase cases[] = {
-        {"peak of 64 bits", R"("SelfFloatOps": 2000, "SelfMemL1": 400)", "2 Compute"},
-        {"peak of 32 bits", R"("SelfFloatOps": 2000, "SelfMemL1": 40, "DataTypes": "<b>float32</b>, int64")",
+        {"64 bits", R"("SelfFloatOps": 2000, "SelfMemL1": 400)", "2 Compute"},
+        {"32 bits", R"("SelfFloatOps": 2000, "SelfMemL1": 4, "DataTypes": "<b>float32</b>, int64")",
          "1 Compute"},
-        {"integers run beside floats", R"("SelfFloatOps": 1000, "SelfIntOps": 1000, "SelfMemL1": 40)",
+        {"integers beside floats", R"("SelfFloatOps": 1000, "SelfIntOps": 1000, "SelfMemL1": 4)",
          "2 Compute"},
         {"first cache", R"("SelfFloatOps": 1000, "SelfMemL1": 800, "SelfMemDram": 50)", "2 L1_BW"},
         {"shared cache", R"("SelfFloatOps": 1, "SelfMemL1": 400, "SelfMemL3": 300)", "3 L3_BW"},
-        {"memory", R"("SelfFloatOps": 1, "SelfMemL1": 400, "SelfMemL3": 300, "SelfMemDram": 200)",
-         "4 HBM_BW"},
+        {"memory", R"("SelfFloatOps": 1, "SelfMemL1": 4, "SelfMemL3": 300, "SelfMemDram": 200)", "4 HBM_BW"},
         {"loads and stores", R"("SelfFloatOps": 1, "SelfDramLoad": 50, "SelfDramStore": 25)", "1.5 HBM_BW"},
         {"a level that wasn't counted", R"("SelfFloatOps": 1, "SelfMemL1": 400)", "1 L1_BW"},
         {"the same filled", R"("SelfFloatOps": 1, "SelfMemL1": 400)", "8 HBM_BW", true},

@@ -27,17 +27,6 @@ std::shared_ptr<IRoofManager> tableOf(const std::string& roofs, const std::strin
         ->getRoofManager(DataType::Cpu);
 }
 
-// "id=giga value" of each roof.
-std::string linesOf(generic_iterator_t<RoofItem> roofs) {
-    std::string text;
-    for (; !roofs.isEnd(); ++roofs) {
-        const auto roof = *roofs;
-        text += fmt::format("{}{}={}", text.empty() ? "" : " ", static_cast<int>(roof.id),
-                            double(roof.value) / 1e9);
-    }
-    return text;
-}
-
 std::string configurationOf(int threads, int packages = 1, Strategy strategy = Strategy::MultiThread,
                             OperationsType operations = OperationsType::Mixed,
                             Perspective perspective = Perspective::Program) {
@@ -65,7 +54,7 @@ TEST(RoofTable, GivesTheRoofsOfAThreadSetUp) {
     };
     const auto table = tableOf(kRoofs, R"(, "cores": {"logical": 8, "physical": 4})", 4);
     for (const auto& [name, configuration, roofs] : cases)
-        EXPECT_EQ(linesOf(table->getRoofs(configuration)), roofs) << name;
+        EXPECT_EQ(roofsOf(table->getRoofs(configuration)), roofs) << name;
 }
 
 TEST(RoofTable, KeepsWithinWhatWasMeasured) {
@@ -101,7 +90,7 @@ TEST(RoofTable, KeepsWithinWhatWasMeasured) {
         {"not for other threads", users, configurationOf(5), "6=10"},
     };
     for (const auto& [name, table, configuration, roofs] : cases)
-        EXPECT_EQ(linesOf(table->getRoofs(configuration)), roofs) << name;
+        EXPECT_EQ(roofsOf(table->getRoofs(configuration)), roofs) << name;
 }
 
 TEST(RoofTable, TellsWhatARoofIs) {
@@ -128,7 +117,7 @@ TEST(RoofTable, TellsWhatARoofIs) {
 
 TEST(RoofTable, IsThereWithoutAMachine) {
     const auto view = viewOf("");
-    EXPECT_EQ(linesOf(view->getRoofManager(DataType::Cpu)->getRoofs("")), "");
+    EXPECT_EQ(roofsOf(view->getRoofManager(DataType::Cpu)->getRoofs("")), "");
     EXPECT_EQ(view->getPhysicalCoreCount() + view->getLogicalCoreCount() + view->getPackageCount(), 0);
 }
 

@@ -6,6 +6,8 @@
 #include "embedded_host/services/message_catalogue.h"
 #include "embedded_host/services/roof_captions.h"
 
+#include "tests/embedded_host/folder_test.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
@@ -34,45 +36,30 @@ const std::vector<std::string> kMessageIds{
 #undef OMBRIX_MESSAGE
 };
 
-// Those whose arguments the library gives; all other texts take none.
-const std::map<std::string, int> kArgumentCounts{
-    {"roofline_vectorization_types", 1},
-    {"roofline_summary_total_point_descr", 1},
-    {"roofline_options_def_config_integrated_gpu_caption", 2},
-    {"roofline_bottleneck_bound_by_compute", 2},
-    {"roofline_bottleneck_bound_by_memory", 2},
-    {"roofline_bottleneck_wrong_configuration_details", 2},
-    {"roofline_bottleneck_performance_analysis_bounded_by", 1},
-    {"roofline_memory_dominating_type_expl", 1},
-    {"roofline_summary_bytes", 1},
-    {"roofline_summary_roof_descr", 1},
-    {"roofline_summary_gpu_carm_title", 1},
-};
+// Those whose arguments the library gives, by their number; all other texts take none.
+const std::vector<std::string> kArguments[]{
+    {"roofline_vectorization_types", "roofline_summary_total_point_descr", "roofline_summary_bytes",
+     "roofline_bottleneck_performance_analysis_bounded_by", "roofline_memory_dominating_type_expl",
+     "roofline_summary_roof_descr", "roofline_summary_gpu_carm_title"},
+    {"roofline_options_def_config_integrated_gpu_caption", "roofline_bottleneck_bound_by_compute",
+     "roofline_bottleneck_bound_by_memory", "roofline_bottleneck_wrong_configuration_details"}};
 
 // A folder of message files that goes with the test, and the assertions that reading it reports.
-class MessageFiles : public testing::Test {
+class MessageFiles : public test::FolderTest {
 protected:
     MessageFiles() {
-        std::filesystem::create_directories(m_folder / "messages");
+        std::filesystem::create_directory(path("messages"));
         setAssertionHandler(
             [this](const auto& expression, const auto&, int) { reports.push_back(expression); });
     }
-    ~MessageFiles() override {
-        setAssertionHandler({});
-        std::filesystem::remove_all(m_folder);
-    }
+    ~MessageFiles() override { setAssertionHandler({}); }
     void write(const std::string& language, const std::string& text) {
-        std::ofstream(m_folder / "messages" / (language + ".json")) << text;
+        file("messages/" + language + ".json", text);
     }
     auto load(const std::string& language) { return MessageCatalogue::load(language, m_folder.string()); }
     auto languages() { return MessageCatalogue::languages(m_folder.string()); }
 
     std::vector<std::string> reports;
-
-private:
-    const std::filesystem::path m_folder =
-        std::filesystem::path(testing::TempDir()) /
-        ("messages_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
 };
 
 // The texts of a shipped language as they stand: a catalogue would fill gaps with English.
@@ -121,8 +108,10 @@ TEST(Messages, PlaceholdersAreThoseOfTheArgumentsGiven) {
     const auto catalogue = MessageCatalogue::load("en", "");
     for (const auto& [id, text] : catalogue->texts()) {
         if (id.rfind("page_", 0) == 0) continue;  // their arguments are the page's
-        const auto known = kArgumentCounts.find(id);
-        const int count = known == kArgumentCounts.end() ? 0 : known->second;
+        const auto takes = [&, wanted = id](const auto& ids) {
+            return std::count(ids.begin(), ids.end(), wanted);
+        };
+        const int count = takes(kArguments[0]) ? 1 : takes(kArguments[1]) ? 2 : 0;
         std::string rest = text;
         for (int i = 1; i <= count; ++i) {
             const auto at = rest.find("%" + std::to_string(i));
@@ -145,11 +134,7 @@ TEST(Messages, EveryRoofOfTheTableIsDescribed) {
 }
 
 TEST(Messages, ArgumentsReplacePlaceholdersOnce) {
-    const struct {
-        const char* text;
-        std::vector<variant_t> arguments;
-        const char* expected;
-    } rows[] = {
+    const std::tuple<const char*, std::vector<variant_t>, const char*> rows[] = {
         {"%1 and %2", {"a", 2}, "a and 2"},
         {"%2%1%2", {"a", "b"}, "bab"},
         {"%3", {"a", "b", variant_t::literal("c"), "d"}, "c"},
@@ -163,24 +148,22 @@ TEST(Messages, ArgumentsReplacePlaceholdersOnce) {
         {"\xC3\xA9%1\xC3\xA9", {"-"}, "\xC3\xA9-\xC3\xA9"},
         {"", {"a"}, ""},
     };
-    for (const auto& row : rows) EXPECT_EQ(formatMessage(row.text, row.arguments), row.expected) << row.text;
+    for (const auto& [text, arguments, expected] : rows)
+        EXPECT_EQ(formatMessage(text, arguments), expected) << text;
 }
 
-TEST_F(MessageFiles, OverrideSingleTextsOfABuiltInLanguage) {
+TEST_F(MessageFiles, OverrideSingleTextsAndBringALanguageThatFallsBackOnEnglish) {
     write("en", R"({"roofline_options_l1": "First \u00e9 %1", "of_a_later_version": "new"})");
     const auto catalogue = load("en");
     EXPECT_EQ(catalogue->format("roofline_options_l1", {7}), "First \xC3\xA9 7");
     EXPECT_EQ(catalogue->format("roofline_options_l2", {}), "L2");
     EXPECT_TRUE(catalogue->has("of_a_later_version"));
-    EXPECT_THAT(reports, testing::IsEmpty());
-}
-
-TEST_F(MessageFiles, BringALanguageThatFallsBackOnEnglish) {
     write("nl", R"({"roofline_options_operation_int": "Geheel"})");
-    const auto catalogue = load("nl");
-    ASSERT_TRUE(catalogue);
-    EXPECT_EQ(catalogue->format("roofline_options_operation_int", {}), "Geheel");
-    EXPECT_EQ(catalogue->format("roofline_options_operation_float", {}), "Float");
+    const auto dutch = load("nl");
+    ASSERT_TRUE(dutch);
+    EXPECT_EQ(dutch->format("roofline_options_operation_int", {}), "Geheel");
+    EXPECT_EQ(dutch->format("roofline_options_operation_float", {}), "Float");
+    EXPECT_THAT(reports, testing::IsEmpty());
 }
 
 TEST_F(MessageFiles, ThatAreMalformedAreReportedOnceAndIgnored) {
@@ -209,14 +192,11 @@ TEST_F(MessageFiles, AreNotSoughtOutsideTheirFolder) {
 
 // All of the process's choice is in this one test: the first look-up ends it.
 TEST_F(MessageFiles, ChooseTheLanguageOfTheProcessUntilTheFirstLookUp) {
-    const auto folder = std::filesystem::path(testing::TempDir()) / "process_messages";
-    std::filesystem::create_directories(folder / "messages");
-    std::ofstream(folder / "messages" / "nl.json") << R"({"roofline_options_stacks_caption": "Stapels"})";
-
+    write("nl", R"({"roofline_options_stacks_caption": "Stapels"})");
     EXPECT_FALSE(data_models2::loadMessageCatalogue("data_models.other"));
     const auto early = data_models2::loadMessageCatalogue("data_models.roofline");
     EXPECT_FALSE(setLanguage("nl"));
-    setMessageFolder(folder.string());
+    setMessageFolder(m_folder.string());
     EXPECT_TRUE(setLanguage("nl"));
     EXPECT_FALSE(setLanguage("xx"));
     EXPECT_EQ(early->format("roofline_options_stacks_caption", {}), "Stapels");
@@ -224,7 +204,6 @@ TEST_F(MessageFiles, ChooseTheLanguageOfTheProcessUntilTheFirstLookUp) {
     EXPECT_EQ(early->format("roofline_options_stacks_caption_lin", {}), "");
     EXPECT_FALSE(setLanguage("en"));
     EXPECT_EQ(data_models2::loadMessageCatalogue("data_models.roofline"), early);
-    std::filesystem::remove_all(folder);
 }
 
 }  // namespace

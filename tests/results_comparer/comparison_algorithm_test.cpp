@@ -3,6 +3,7 @@
 
 #include "results_comparer/cpu_match_indicators.h"
 #include "results_comparer/factories.h"
+#include "tests/embedded_host/result_text.h"
 #include "tests/roofline_model/test_host.h"
 
 #include <algorithm>
@@ -15,17 +16,14 @@ namespace {
 using Model = std::shared_ptr<ISurveyingViewModel>;
 
 // Cancels itself at a poll; writes down what is reported.
-class Progress final : public IProgress {
+class Progress final : public DummyProgress {
 public:
     explicit Progress(int pollsBeforeCancel = std::numeric_limits<int>::max()) : m_left(pollsBeforeCancel) {}
     void start(const std::string& what, std::uint64_t totalSteps) override {
         reports.push_back(fmt::format("{} 0/{}", what, m_total = totalSteps));
     }
-    void message(const std::string&) override {}
     void advance(std::uint64_t done) override { reports.push_back(fmt::format("{}/{}", done, m_total)); }
     void finish() override { reports.push_back("end"); }
-    std::uint64_t getTotalSteps() const override { return m_total; }
-    void cancel() override { m_left = 0; }
     bool isCancelled() const override { return m_left == 0 || --m_left == 0; }
 
     std::vector<std::string> reports;
@@ -35,18 +33,11 @@ private:
     std::uint64_t m_total = 0;
 };
 
-Model modelOf(test::Table table) {
-    const auto model = std::make_shared<test::ViewModel>();
-    const auto type = table.type;
-    model->datasets = {{type, sptr_t<IDataset>(new test::Dataset(std::move(table)))}};
-    return model;
-}
+Model modelOf(const test::Table& table) { return test::makeViewModel(new test::Dataset(table)); }
 
 // Rows whose cells come from few values, so that properties are shared, differ and are missing.
 test::Table randomTable(int rows) {
-    const auto one = [](const std::vector<variant_t>& values) {
-        return values[static_cast<std::size_t>(test::pick(0, static_cast<int>(values.size())))];
-    };
+    const auto one = [](const std::vector<variant_t>& values) { return *rc::gen::elementOf(values); };
     const variant_t none;
     test::Table table;
     for (int i = 0; i < rows; ++i) {
@@ -65,8 +56,7 @@ test::Table randomTable(int rows) {
             {FieldId::NestingLevel, one({none, 0u, 1u, 2u})},
             {FieldId::ComparisonMetric, one({none, 1u, 2u})},
             {FieldId::DataTypes, one({none, "Int32", "<b>Int32</b>", "<b>A</b>; Int32", "A; Int32; [x]"})}};
-        for (auto cell = row.cells.begin(); cell != row.cells.end();)
-            cell = cell->second.isEmpty() ? row.cells.erase(cell) : std::next(cell);
+        std::erase_if(row.cells, [](const auto& cell) { return cell.second.isEmpty(); });
         table.rows.push_back(std::move(row));
     }
     return table;
@@ -246,11 +236,8 @@ std::string rowText(std::size_t id, const std::string& name, std::size_t line, c
                        id, name, line, file, level);
 }
 Model resultOf(const std::vector<std::string>& rows, const char* kind = "cpu") {
-    return embedded_host::parseResult(
-               fmt::format(R"({{"format":"roofline-result","version":1,"kind":"{}","rows":[{}]}})", kind,
-                           boost::join(rows, ",")),
-               "result.json")
-        ->viewModel();
+    const auto text = embedded_host::test::resultText(boost::join(rows, ","), "", kind);
+    return embedded_host::parseResult(text, "result.json")->viewModel();
 }
 
 TEST(ResultsComparer, finds_the_rows_of_another_build_again) {
@@ -334,11 +321,8 @@ TEST(ResultsComparer, keeps_entries_that_are_there_as_candidates) {
         return test::rowsOf(model->getDataset(DataType::Cpu))[static_cast<std::size_t>(place)];
     };
     // One that the threshold would refuse, one that gives way to the better pair.
-    ComparisonData data{
-        first,
-        second,
-        DataType::Cpu,
-        {{7.0, rowOf(first, 1), rowOf(second, 1)}, {99.0, rowOf(first, 0), rowOf(second, 1)}}};
+    ComparisonData data{first, second, DataType::Cpu, {{7.0, rowOf(first, 1), rowOf(second, 1)}}};
+    data.matches.push_back({99.0, rowOf(first, 0), rowOf(second, 1)});
     EXPECT_TRUE(createResultsComparer()->compare(data, nullptr));
     EXPECT_EQ(textOf(data), "1-5:100 2-6:7");
 }

@@ -3,6 +3,7 @@
 #include "results_comparer/filter_algorithm.h"
 #include "results_comparer/filter_search.h"
 #include "tests/results_comparer/literal_filter.h"
+#include "tests/roofline_model/test_host.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -24,24 +25,15 @@ constexpr int kLists = 400;
 constexpr int kLists = 2500;
 #endif
 
-class Row final : public RefCounted<RowNode> {
-public:
-    explicit Row(int number) : m_id(static_cast<std::uint64_t>(number)) {}
-    std::uint64_t getId() const override { return m_id; }
-    sptr_t<IRowSpecification> getSpecification() const override { return {}; }
-    sptr_t<RowNode> getParent() const override { return {}; }
-    int getChildren(generic_iterator_t<sptr_t<RowNode>>&, int, int) const override { return -1; }
-
-private:
-    std::uint64_t m_id;
-};
-
+// Of either side's 300 rows; `numberOf` reads the number back.
 sptr_t<RowNode> row(int side, int number) {
-    static std::map<std::pair<int, int>, sptr_t<RowNode>> rows;
-    auto& known = rows[{side, number}];
-    if (!known) known = new Row(number);
-    return known;
+    static const auto make = [] {
+        return test::rowsOf(new test::Dataset({.rows = std::vector<test::TestRow>(300)}));
+    };
+    static const std::vector<sptr_t<RowNode>> rows[]{make(), make()};
+    return rows[side].at(static_cast<std::size_t>(number));
 }
+std::uint32_t numberOf(const sptr_t<RowNode>& row) { return static_cast<std::uint32_t>(row->getId() - 1); }
 
 Matches list(const std::vector<std::tuple<double, int, int>>& pairs) {
     Matches result;
@@ -53,15 +45,14 @@ Matches list(const std::vector<std::tuple<double, int, int>>& pairs) {
 std::string text(const Matches& matches) {
     std::string result;
     for (const auto& match : matches)
-        result += fmt::format("{:a} {} {}\n", match.score, match.first->getId(), match.second->getId());
+        result += fmt::format("{:a} {} {}\n", match.score, numberOf(match.first), numberOf(match.second));
     return result;
 }
 
 std::vector<Candidate> candidatesOf(const Matches& matches) {
     std::vector<Candidate> candidates;
     for (const auto& match : matches)
-        candidates.push_back({match.score, static_cast<std::uint32_t>(match.first->getId()),
-                              static_cast<std::uint32_t>(match.second->getId())});
+        candidates.push_back({match.score, numberOf(match.first), numberOf(match.second)});
     return candidates;
 }
 
@@ -87,20 +78,13 @@ Matches randomList(std::mt19937& random, int most) {
     const bool hasTwins = below(8) == 0;
     const double base = 50 + below(50) + below(1000) / 997.0;
     const auto score = [&] {
-        switch (kind) {
-            case 0:
-                return 50 + below(1'000'000) / 2e4;
-            case 1:
-                return base;
-            case 2:
-                return base * (1 + below(3));
-            case 3:
-                return 60.0 + 5 * below(5);
-            case 4:
-                return std::nextafter(base + 5 * below(2), below(2) ? 0.0 : 200.0);
-            default:
-                return base + below(6) * 0.4e-6;
-        }
+        const double scores[]{50 + below(1'000'000) / 2e4,
+                              base,
+                              base * (1 + below(3)),
+                              60.0 + 5 * below(5),
+                              std::nextafter(base + 5 * below(2), below(2) ? 0.0 : 200.0),
+                              base + below(6) * 0.4e-6};
+        return scores[kind];
     };
     Matches result;
     for (int first = 0; first < firsts; ++first)
@@ -143,16 +127,11 @@ TEST(Filter, ChoosesWhatItsLiteralFormChooses) {
 }
 
 TEST(Filter, ChoosesByHand) {
-    struct Case {
-        const char* what;
-        std::vector<std::tuple<double, int, int>> pairs, chosen;
-    };
-    const Case cases[]{
+    using Pairs = std::vector<std::tuple<double, int, int>>;
+    const std::tuple<const char*, Pairs, Pairs> cases[]{
         {"one pair", {{70, 0, 0}}, {{70, 0, 0}}},
         {"one row", {{60, 0, 0}, {80, 0, 1}, {70, 0, 2}}, {{80, 0, 1}}},
-        {"two alike on either side",
-         {{75, 0, 0}, {75, 0, 1}, {75, 1, 0}, {75, 1, 1}},
-         {{75, 0, 0}, {75, 1, 1}}},
+        {"alike", {{75, 0, 0}, {75, 0, 1}, {75, 1, 0}, {75, 1, 1}}, {{75, 0, 0}, {75, 1, 1}}},
         {"the first of equals closes both", {{75, 0, 0}, {75, 0, 1}, {75, 1, 0}}, {{75, 1, 0}, {75, 0, 1}}},
         {"a tie within 1e-6", {{75.0000009, 0, 0}, {75, 0, 1}, {75, 1, 0}}, {{75, 1, 0}, {75, 0, 1}}},
         {"no tie", {{75.0000011, 0, 0}, {75, 0, 1}, {75, 1, 0}}, {{75.0000011, 0, 0}}},
@@ -246,11 +225,7 @@ TEST(Filter, EndsOnHardTiesWithLittleMoreThanItIsAllowed) {
 }
 
 TEST(Filter, TakesATenthOfItsWorkForOrdinaryTies) {
-    struct Case {
-        const char* what;
-        int rows;
-        bool (*isThere)(int first, int second);
-    };
+    using Case = std::tuple<const char*, int, bool (*)(int first, int second)>;
     for (const auto& [what, rows, isThere] :
          {Case{"alike in three functions", 300, [](int i, int j) { return i / 100 == j / 100; }},
           Case{"all alike", 60, [](int, int) { return true; }},

@@ -29,16 +29,12 @@ TEST(NameNormaliser, agrees_with_the_regular_expressions_on_any_name) {
 }
 
 TEST(NameNormaliser, keeps_what_builds_have_in_common) {
-    struct Case {
-        const char* name;
-        const char* kept;
-    };
-    for (const auto& [name, kept] : std::vector<Case>{{"__solve_par_region3_2.x", "solve"},
-                                                      {"solve_par_loop_par_loop1", "solve_par_loop"},
-                                                      {"Loop@0x4,01f at line 12 in solve", "in solve"},
-                                                      {"_par_loop1", "par_loop1"},
-                                                      {"Loop@0x4F main", "Loop@0x4F main"},
-                                                      {"____", ""}})
+    for (const auto& [name, kept] : {std::pair{"__solve_par_region3_2.x", "solve"},
+                                     {"solve_par_loop_par_loop1", "solve_par_loop"},
+                                     {"Loop@0x4,01f at line 12 in solve", "in solve"},
+                                     {"_par_loop1", "par_loop1"},
+                                     {"Loop@0x4F main", "Loop@0x4F main"},
+                                     {"____", ""}})
         EXPECT_EQ(normaliseName(name), kept) << name;
 }
 

@@ -53,10 +53,10 @@ TEST(ChartDocument, HasAProgramPointAtTheFirstLevelAndAtMainMemory) {
         "a SelfGFlops=1 SelfFloatAi=1 SelfFloatOps=100 SelfL1Load=1 SelfMemL1=1 SelfMemDram=10 SelfTime=1"
         " SelfElapsedTime=2\n"
         "b SelfIntOps=1000 SelfMixedOps=10 SelfMemL1=9 SelfTime=1 SelfElapsedTime=8 TotalGFlops=1";
-    const std::vector<std::string> shown{"name", "memoryLevelPref", "x", "y", "selfMem", "totalElapsedTime"};
     const auto totalsOf = [&](const char* configuration, int levels, double elapsedTime) {
-        const auto dataset = makeDataset(rows);
-        return linesOf(chartOf(dataset, nullptr, configuration, levels, elapsedTime)["programTotal"], shown);
+        return linesOf(
+            chartOf(makeDataset(rows), nullptr, configuration, levels, elapsedTime)["programTotal"],
+            {"name", "memoryLevelPref", "x", "y", "selfMem", "totalElapsedTime"});
     };
     EXPECT_EQ(totalsOf("f-load", 5, 0.0), R"(
 name=L1 memoryLevelPref=L1- x=1 y=1 selfMem=10 totalElapsedTime=10
@@ -65,29 +65,17 @@ name=DRAM memoryLevelPref=DRAM- x=1 y=1 selfMem=10 totalElapsedTime=10)");
 }
 
 // Enough for a point at every level whose traffic a row has.
-const std::string kPoint = " SelfTime=1 SelfElapsedTime=1 SelfGFlops=10 SelfFloatAi=1 SelfFloatOps=100";
+const std::string kPoint =
+    " SelfTime=1 SelfElapsedTime=1 SelfGFlops=10 SelfFloatAi=1 SelfFloatOps=100 SelfL1Load=1";
 
-TEST(ChartDocument, JoinsLevelsOnOnePointAndHangsChildrenUnderTheirLevel) {
-    const auto rows =
-        "a SelfL1Load=1 SelfL2Load=1 SelfDramLoad=10" + kPoint + " LoopType=\"outer\"" +
-        "\n  b SelfL1Load=2 SelfL2Load=4 SelfDramLoad=4" + kPoint + " LoopType=\"inner\"" +
-        "\n    d SelfL1Load=5 SelfDramLoad=5" + kPoint + "\n  c SelfL1Load=1 SelfL2Load=2 SelfDramLoad=1" +
-        kPoint + " LoopType=\"inner\"" +
-        "\nhidden type=0x8 TypeDetail=\"\" DataTypes=\"\"\nlost SelfL1Load=1\n  never SelfL1Load=1" + kPoint;
-    const std::vector<std::string> shown{"name",   "x",     "memoryLevelPref", "type",
-                                         "parent", "state", "children"};
-    const auto chart = chartOf(rows, "f-1-L1-L2-DRAM-load");
-    EXPECT_EQ(linesOf(chart["loops"], shown), R"(
-name=a x=2 memoryLevelPref=L1-L2- type=0 state=+ children=[2,3,4,5]
-name=a x=1 memoryLevelPref=DRAM- type=0 state=+ children=[6]
-name=b x=1.69897 type=1 parent=0 state=+ children=[7]
-name=b x=1.39794 memoryLevelPref=L1-L2-DRAM- type=1 parent=0
-name=c x=2 type=1 parent=0
-name=c x=1.69897 memoryLevelPref=L2- type=1 parent=0
-name=c x=2 memoryLevelPref=DRAM- type=1 parent=1
-name=d x=1.30103 memoryLevelPref=L1-DRAM- parent=2)");
-    EXPECT_EQ(lineOf(chart, {"loopTypes", "memoryLevelPref"}),
-              R"(loopTypes={"1":"inner","0":"outer"} memoryLevelPref=L1-L2-DRAM-)");
+TEST(ChartDocument, NumbersTheTypesOfLoopsAndLeavesOutWhatHangsUnderNoPoint) {
+    const auto chart = chartOf("a LoopType=\"outer\"" + kPoint + "\n  b LoopType=\"inner\"" + kPoint +
+                                   "\n    d" + kPoint + "\n  c LoopType=\"inner\"" + kPoint +
+                                   "\nhidden type=0x8 TypeDetail=\"\" DataTypes=\"\"\nlost\n  never" + kPoint,
+                               "f-1-L1-load");
+    EXPECT_EQ(linesOf(chart["loops"], {"name", "type"}),
+              "\nname=a type=0\nname=b type=1\nname=c type=1\nname=d");
+    EXPECT_EQ(lineOf(chart, {"loopTypes"}), R"(loopTypes={"1":"inner","0":"outer"})");
 }
 
 // A naive model of the points of one row: "level: x y x1 y1 caption", one line a record.
@@ -223,11 +211,10 @@ std::string brokenRules(const Json& chart, bool total) {
             const auto x = record.FindMember(("x" + suffix).c_str()),
                        y = record.FindMember(("y" + suffix).c_str());
             if (x == record.MemberEnd() || y == record.MemberEnd()) continue;
-            const bool isInside = x->value.GetDouble() >= chart["minX"].GetDouble() &&
-                                  x->value.GetDouble() <= chart["maxX"].GetDouble() &&
-                                  y->value.GetDouble() >= chart["minY"].GetDouble() &&
-                                  y->value.GetDouble() <= chart["maxY"].GetDouble();
-            if (!isInside) broken += " bounds";
+            const double atX = x->value.GetDouble(), atY = y->value.GetDouble();
+            if (atX < chart["minX"].GetDouble() || atX > chart["maxX"].GetDouble() ||
+                atY < chart["minY"].GetDouble() || atY > chart["maxY"].GetDouble())
+                broken += " bounds";
         }
     }
     return broken + (children == parents ? "" : " children");
@@ -258,34 +245,30 @@ TEST(ChartDocument, HasThePointsAndTheTreeOfANaiveModel) {
 TEST(ChartDocument, WithoutPointsSaysWhy) {
     const std::string ops = "a SelfTime=1 SelfElapsedTime=1 SelfFloatOps=1 SelfGFlops=1 SelfGIntOps=0";
     const std::string time = "a SelfTime=1 SelfElapsedTime=1";
-    const struct {
-        const char* name;
-        std::string rows;
-        const char* configuration;
-        std::string title, descr;
-    } cases[]{
-        {"no configuration", ops, "", "no_data_generic_error_title", "no_data_generic_error_descr"},
-        {"no rows", "", "f-1", "no_data_generic_error_title", "no_data_generic_error_descr"},
-        {"no time", ops + " SelfTime=0", "f-1", "no_data_generic_error_title", "no_data_generic_error_descr"},
-        {"levels of total data", ops, "f-0-DRAM", "no_data_mem_levels_title", "no_data_mem_levels_descr"},
-        {"nothing counted", time, "f-1-L2", "collect_trc_title", "collect_trc_descr"},
-        {"nothing counted in total", time, "f-0-L1", "collect_trc_title_topdown",
-         "collect_trc_descr_topdown"},
-        {"counted on a hidden row", time + "\nb SelfGFlops=1 type=0x8", "f-1", "collect_trc_title",
-         "collect_trc_descr"},
-        {"no float", time + " SelfGIntOps=1 SelfIntOps=1", "f-1", "no_data_title", "no_data_descr"},
-        {"no integers", ops, "i-1", "no_data_title", "no_data_descr_int"},
-        {"no operations at all", time + " SelfGFlops=0", "b-1", "no_data_title", "no_data_descr"},
-        {"operations without time", time + "\nb SelfGFlops=1 SelfFloatOps=1", "f-1", "no_data_title",
-         "no_data_descr"},
-        {"a library's", ops + " VectorTraits=\"a Library\"", "f-1", "pure_tessel_title", "pure_tessel_descr"},
-        {"no traffic", ops, "f-1", "filtered_out_title", "filtered_out_descr"},
+    // What is missing, the rows, the configuration, the id of the message and its ending.
+    const std::tuple<const char*, std::string, const char*, std::string, std::string> cases[]{
+        {"no configuration", ops, "", "no_data_generic_error", ""},
+        {"no rows", "", "f-1", "no_data_generic_error", ""},
+        {"no time", ops + " SelfTime=0", "f-1", "no_data_generic_error", ""},
+        {"levels of total data", ops, "f-0-DRAM", "no_data_mem_levels", ""},
+        {"nothing counted", time, "f-1-L2", "collect_trc", ""},
+        {"nothing counted in total", time, "f-0-L1", "collect_trc", "_topdown"},
+        {"counted on a hidden row", time + "\nb SelfGFlops=1 type=0x8", "f-1", "collect_trc", ""},
+        {"no float", time + " SelfGIntOps=1 SelfIntOps=1", "f-1", "no_data", ""},
+        {"no integers", ops, "i-1", "no_data", "_int"},
+        {"no operations at all", time + " SelfGFlops=0", "b-1", "no_data", ""},
+        {"operations without time", time + "\nb SelfGFlops=1 SelfFloatOps=1", "f-1", "no_data", ""},
+        {"a library's", ops + " VectorTraits=\"a Library\"", "f-1", "pure_tessel", ""},
+        {"no traffic", ops, "f-1", "filtered_out", ""},
     };
-    for (const auto& [name, rows, configuration, title, descr] : cases) {
+    for (const auto& [name, rows, configuration, id, ending] : cases) {
         const auto chart = chartOf(rows, configuration);
-        const auto text = [](const std::string& id) { return roofline::translate("roofline_" + id); };
         ASSERT_EQ(membersOf(chart), std::vector<std::string>{"noDataMessage"}) << name;
-        EXPECT_EQ(allOf(chart["noDataMessage"]), "title=" + text(title) + " descr=" + text(descr)) << name;
+        const auto title = "roofline_" + id + "_title" + (ending == "_int" ? "" : ending);
+        EXPECT_EQ(textOf(chart["noDataMessage"]["title"]), roofline::translate(title)) << name;
+        EXPECT_EQ(textOf(chart["noDataMessage"]["descr"]),
+                  roofline::translate("roofline_" + id + "_descr" + ending))
+            << name;
     }
 }
 

@@ -114,12 +114,8 @@ TEST(CpuRowHelper, ThreadCountsAreEvenAboveOne) {
 }
 
 TEST(CpuRowHelper, InnermostRows) {
-    struct Rule {
-        std::optional<std::uint64_t> type;
-        variant_t level, inner;  // empty: no such cell
-        bool isInnermost;
-    };
-    const Rule rules[]{
+    // Type, nesting level and inner nesting; empty: no such cell.
+    const std::tuple<std::optional<std::uint64_t>, variant_t, variant_t, bool> rules[]{
         {{}, {}, {}, true},     {{}, 0U, 1U, true},     {{}, 1U, 0U, false},
         {{}, 1.0, 0U, true},  // no integer: no level
         {{}, "1", {}, true},    {0x0, {}, 1U, true},    {0x8, 0U, 1U, true},
@@ -145,12 +141,8 @@ TEST(CpuRowHelper, InnermostRows) {
 
 TEST(CpuRowHelper, LevelsHaveTheirNumberAndTraffic) {
     constexpr auto kLast = std::numeric_limits<unsigned>::max();
-    struct Rule {
-        MemoryLevel level;
-        unsigned number;
-        std::array<int, 2> self, total;  // fields; 0: no traffic
-    };
-    const Rule rules[]{
+    using Fields = std::array<int, 2>;  // load and store; 0: no traffic
+    const std::tuple<MemoryLevel, unsigned, Fields, Fields> rules[]{
         {MemoryLevel::None, kLast, {}, {}},
         {MemoryLevel::L1, 1, {119, 120}, {121, 122}},
         {MemoryLevel::L2, 2, {123, 124}, {126, 127}},

@@ -6,6 +6,7 @@
 #include "roofline_model/factories.h"
 #include "roofline_model/gpu_operation_map_provider.h"
 
+#include "tests/embedded_host/result_text.h"
 #include "tests/roofline_model/test_host.h"
 
 #include <boost/property_tree/ptree.hpp>
@@ -22,22 +23,17 @@ using embedded_host::pumpTasks;
 using Perspective = IRooflineInfo::Perspective;
 using Status = BaseLongOperationTask::LoadType;
 
-const char* const kMachine =
-    R"({"format":"roofline-machine","version":1,"cores":{"logical":8,"physical":8},"packages":1,"roofs":[
+std::shared_ptr<embedded_host::Result> openText(const std::string& rows, const std::string& program = "{}") {
+    const auto machine =
+        embedded_host::test::machineText(R"(
     {"id":1,"value":100,"unit":"GB/s"},{"id":6,"value":10,"unit":"GB/s"},
     {"id":18,"value":20,"unit":"GB/s"},{"id":8,"value":80,"unit":"GFLOP/s"},
     {"id":10,"value":60,"unit":"GFLOP/s"},{"id":11,"value":40,"unit":"GFLOP/s"},
     {"id":9,"value":5,"unit":"GFLOP/s"},{"id":13,"value":4,"unit":"GINTOP/s"},
-    {"id":16,"value":30,"unit":"GINTOP/s"},{"id":17,"value":15,"unit":"GINTOP/s"}]})";
-
-std::string resultText(const std::string& rows, const std::string& program = "{}") {
-    return fmt::format(R"({{"format":"roofline-result","version":1,"kind":"cpu","program":{},"machine":{},
-                           "rows":[{}]}})",
-                       program, kMachine, rows);
-}
-
-std::shared_ptr<embedded_host::Result> openText(const std::string& rows, const std::string& program = "{}") {
-    return embedded_host::parseResult(resultText(rows, program), "result.json");
+    {"id":16,"value":30,"unit":"GINTOP/s"},{"id":17,"value":15,"unit":"GINTOP/s"})",
+                                         R"(,"cores":{"logical":8,"physical":8},"packages":1)");
+    const auto members = R"(,"program":)" + program + R"(,"machine":)" + machine;
+    return embedded_host::parseResult(embedded_host::test::resultText(rows, members), "result.json");
 }
 
 // A row of so many percent of the program's time, with a text of its types. The letters of `kind`: v a vector
@@ -57,42 +53,38 @@ DominatingTypesInfo typesOf(const std::string& rows) {
     return task->getProgramDominatingTypes();
 }
 
-std::string rowsOfOnePercent(int count, double percent, const std::string& rest) {
-    std::string rows = rest;
-    for (int id = 10; id < 10 + count; ++id) rows += "," + row(id, percent, "f", "Float32");
-    return rows;
+// A row of no types for the rest of the time, and others.
+std::string rest(double percent, const std::string& others) { return row(1, percent, "", "") + "," + others; }
+
+// Forty rows of float operations beside the rest.
+std::string fortyRows(double percent) {
+    std::vector<std::string> rows;
+    for (int id = 10; id < 50; ++id) rows.push_back(row(id, percent, "f", "Float32"));
+    return rest(100.0 - 40.0 * percent, boost::join(rows, ","));
 }
 
 TEST(DominatingTypes, FollowFromTheTimeOfTheRows) {
-    const auto rest = [](double percent) { return row(1, percent, "", ""); };
     const struct {
         const char* name;
         std::string rows;
-        DominatingTypesInfo expected;  // vectorised, float work, float type, int type
+        const char* expected;  // vectorised, float work, float type, int type
     } cases[]{
-        {"no time at all", R"({"id":1,"kind":"loop","cells":{"FunctionName":"a"}})", {false, 0, 0, 0}},
-        {"5 % of vector time is enough", rest(95) + "," + row(2, 5, "v", "Int32"), {true, 0, 1, 3}},
-        {"less isn't", rest(95.1) + "," + row(2, 4.9, "v", "Int32"), {false, 0, 0, 0}},
-        {"30 % of float time aren't enough", rest(70) + "," + row(2, 30, "f", "Float64"), {false, 0, 0, 0}},
-        {"more are; scalar doubles count as single",
-         rest(69.9) + "," + row(2, 30.1, "f", "Float64"),
-         {false, 1, 0, 0}},
-        {"vector doubles", rest(60) + "," + row(2, 40, "vf", "Int8; Float64"), {true, 1, 1, 1}},
+        {"no time at all", R"({"id":1,"kind":"loop","cells":{"FunctionName":"a"}})", "false 0 0 0"},
+        {"5 % of vector time is enough", rest(95, row(2, 5, "v", "Int32")), "true 0 1 3"},
+        {"less isn't", rest(95.1, row(2, 4.9, "v", "Int32")), "false 0 0 0"},
+        {"30 % of float time aren't enough", rest(70, row(2, 30, "f", "Float64")), "false 0 0 0"},
+        {"more are; scalar doubles are single", rest(69.9, row(2, 30.1, "f", "Float64")), "false 1 0 0"},
+        {"vector doubles", rest(60, row(2, 40, "vf", "Int8; Float64")), "true 1 1 1"},
         {"as much single as double is double",
-         rest(20) + "," + row(2, 40, "vf", "Float64") + "," + row(3, 40, "vf", "Float32"),
-         {true, 1, 1, 0}},
-        {"rows of 1 % aren't asked", rowsOfOnePercent(40, 1.0, rest(60)), {false, 0, 0, 0}},
-        {"rows of more are", rowsOfOnePercent(40, 1.01, rest(59.6)), {false, 1, 0, 0}},
+         rest(20, row(2, 40, "vf", "Float64") + "," + row(3, 40, "vf", "Float32")), "true 1 1 0"},
+        {"rows of 1 % aren't asked", fortyRows(1.0), "false 0 0 0"},
+        {"rows of more are", fortyRows(1.01), "false 1 0 0"},
         {"the compiler's main type stands before the text",
-         rest(50) + "," + row(2, 50, "vq", "<b>Int16</b>; Float32"),
-         {true, 0, 0, 4}},
+         rest(50, row(2, 50, "vq", "<b>Int16</b>; Float32")), "true 0 0 4"},
     };
     for (const auto& [name, rows, expected] : cases) {
-        const auto info = typesOf(rows);
-        const auto text = [](const DominatingTypesInfo& i) {
-            return fmt::format("{} {} {} {}", i.vectorized, i.operationsType, i.floatType, i.intType);
-        };
-        EXPECT_EQ(text(info), text(expected)) << name;
+        const auto [vectorized, operations, floats, ints] = typesOf(rows);
+        EXPECT_EQ(fmt::format("{} {} {} {}", vectorized, operations, floats, ints), expected) << name;
     }
 }
 
@@ -125,23 +117,24 @@ TEST(DominatingRoofsTask, TellsHowItEnded) {
     const auto failing = makeViewModel(makeDataset("a SelfTime=1"));
     failing->throws = true;
     CancelledProgress cancelled;
+    const auto self = DataType::Cpu, total = DataType::CpuTopDown;
+    const auto ofAnother = makeViewModel(nullptr, makeDataset("a"));
     const struct {
         const char* name;
         std::shared_ptr<ISurveyingViewModel> viewModel;
         DataType type;
-        IProgress* progress;
-        int cancelAt;  // 1 before the run, 2 after it
         Status expected;
+        int cancelAt = 0;  // 1 before the run, 2 after it
+        IProgress* progress = nullptr;
     } cases[]{
-        {"done", viewModel, DataType::Cpu, nullptr, 0, Status::Succeeded},
-        {"no view model", nullptr, DataType::Cpu, nullptr, 0, Status::Failed},
-        {"no dataset", viewModel, DataType::GpuStatistics, nullptr, 0, Status::Failed},
-        {"a dataset of another kind", makeViewModel(nullptr, makeDataset("a")), DataType::CpuTopDown, nullptr,
-         0, Status::Failed},
-        {"a host that throws", failing, DataType::Cpu, nullptr, 0, Status::Failed},
-        {"cancelled before", viewModel, DataType::Cpu, nullptr, 1, Status::Cancelled},
-        {"cancelled after", viewModel, DataType::Cpu, nullptr, 2, Status::Cancelled},
-        {"cancelled by its progress", viewModel, DataType::Cpu, &cancelled, 0, Status::Cancelled},
+        {"done", viewModel, self, Status::Succeeded},
+        {"no view model", nullptr, self, Status::Failed},
+        {"no dataset", viewModel, DataType::GpuStatistics, Status::Failed},
+        {"a dataset of another kind", ofAnother, total, Status::Failed},
+        {"a host that throws", failing, self, Status::Failed},
+        {"cancelled before", viewModel, self, Status::Cancelled, 1},
+        {"cancelled after", viewModel, self, Status::Cancelled, 2},
+        {"cancelled by its progress", viewModel, self, Status::Cancelled, 0, &cancelled},
     };
     for (const auto& each : cases) {
         const sptr_t<DominatingRoofsTask> task(
@@ -160,32 +153,9 @@ TEST(DominatingRoofsTask, TellsHowItEnded) {
     }
 }
 
-RoofItem peak(RoofId id, std::uint64_t value, RoofOpType kind, ArithTypeExtDef type) {
-    return {.id = id,
-            .name = "r",
-            .value = value,
-            .typeBits = RoofItem::Compute,
-            .roofOpType = kind,
-            .arithType = type};
-}
-
 class Dominance : public testing::Test {
     RunningTasks m_tasks;
 };
-
-// The selected roofs, and the hidden ones in brackets.
-std::string selectedOf(const IRooflineInfo& engine, const std::string& configuration,
-                       Perspective perspective) {
-    const auto text = engine.getSelectedRoofs(configuration, perspective);
-    if (text.empty()) return "nothing";
-    std::string names;
-    const auto root = parse(text);
-    for (const auto& [name, state] : root["roofsState"].GetObject()) {
-        if (state["selected"].GetBool()) names += " " + textOf(name);
-        if (state["hidden"].GetBool()) names += " (" + textOf(name) + ")";
-    }
-    return names.empty() ? names : names.substr(1);
-}
 
 const std::string kVectorDoubles =
     R"({"id":1,"kind":"loop","cells":{"SelfTime":10,"SelfElapsedTime":10,"SelfFloatOps":200,"SelfIntOps":20,
@@ -199,14 +169,14 @@ TEST_F(Dominance, SelectsRoofsByPerspectiveOnceItIsKnown) {
     engine->changed.connect(subscriber, [&] { ++changes; });
     result->load(IViewModelBase::LoadType::Result);
     EXPECT_EQ(selectedOf(*engine, "f-1", Perspective::Program),
-              "l1bandwidth drambandwidth (scalarl1bandwidth)");
+              " l1bandwidth drambandwidth (scalarl1bandwidth)");
     EXPECT_EQ(changes, 0) << "nothing arrives before the host takes it";
     ASSERT_TRUE(pumpTasks(1min));
     EXPECT_GE(changes, 1);
     EXPECT_EQ(selectedOf(*engine, "f-1", Perspective::Vectorized),
-              "l1bandwidth drambandwidth dpvectorfmapeak int64vectoraddpeak (scalarl1bandwidth)");
+              " l1bandwidth drambandwidth dpvectorfmapeak int64vectoraddpeak (scalarl1bandwidth)");
     EXPECT_EQ(selectedOf(*engine, "f-1", Perspective::NotVectorized),
-              "drambandwidth scalaraddpeak integerscalaraddpeak scalarl1bandwidth");
+              " drambandwidth scalaraddpeak integerscalaraddpeak scalarl1bandwidth");
     EXPECT_EQ(selectedOf(*engine, "f-1", Perspective::Program),
               selectedOf(*engine, "f-1", Perspective::Vectorized));
     EXPECT_EQ(selectedOf(*engine, "f-1", static_cast<Perspective>(4)), "nothing");
@@ -214,18 +184,15 @@ TEST_F(Dominance, SelectsRoofsByPerspectiveOnceItIsKnown) {
 
 TEST(SelectedMemoryRoofs, AreThoseOfTheFirstLevelThatIsShown) {
     const auto viewModel = makeViewModel(nullptr, nullptr, 4);
-    const auto table = std::make_shared<RoofTable>();
-    for (const auto& [id, name] : {std::pair(RoofId::L1Bandwidth, "L1"),
-                                   {RoofId::L2Bandwidth, "L2"},
-                                   {RoofId::DramBandwidth, "DRAM"},
-                                   {RoofId::ScalarL1Bandwidth, "sL1"}})
-        table->roofs.push_back({.id = id, .name = name, .value = 1, .typeBits = RoofItem::Memory});
-    viewModel->roofs = table;
+    viewModel->roofs->roofs = {makeRoof(RoofId::L1Bandwidth, "L1", 1, MemoryLevel::L1),
+                               makeRoof(RoofId::L2Bandwidth, "L2", 1, MemoryLevel::L2),
+                               makeRoof(RoofId::DramBandwidth, "DRAM", 1, MemoryLevel::Dram),
+                               makeRoof(RoofId::ScalarL1Bandwidth, "sL1", 1, MemoryLevel::L1)};
     const auto engine = createRooflineInfo(viewModel);
-    for (const auto& [configuration, expected] : {std::pair("f-1-L1-all", "l1 dram"),
-                                                  {"f-1-L2-L1-all", "l1"},
-                                                  {"f-1-DRAM-L2-all", "l2"},
-                                                  {"f-1-DRAM-all", "dram"},
+    for (const auto& [configuration, expected] : {std::pair("f-1-L1-all", " l1 dram"),
+                                                  {"f-1-L2-L1-all", " l1"},
+                                                  {"f-1-DRAM-L2-all", " l2"},
+                                                  {"f-1-DRAM-all", " dram"},
                                                   {"f-1-L3-all", ""}})
         EXPECT_EQ(selectedOf(*engine, configuration, Perspective::NotVectorized), expected) << configuration;
 }
@@ -278,14 +245,13 @@ TEST_F(Dominance, ChangesNothingWhenATaskFails) {
     viewModel->load();
     ASSERT_TRUE(pumpTasks(1min));
     EXPECT_EQ(changes, 1);
-    const auto table = std::make_shared<RoofTable>();
-    table->roofs = {peak(RoofId::ScalarAddPeak, 1, RoofOpType::Basic, ArithTypeExtDef::Float64)};
-    viewModel->roofs = table;
+    viewModel->roofs->roofs = {
+        makeRoof(RoofId::ScalarAddPeak, "r", 1, MemoryLevel::None, ArithTypeExtDef::Float64)};
     viewModel->datasets.clear();
     viewModel->load();  // the task finds no rows
     ASSERT_TRUE(pumpTasks(1min));
     EXPECT_EQ(changes, 1);
-    EXPECT_EQ(selectedOf(*engine, "f-1", Perspective::Program), "r") << "the old roofs stay";
+    EXPECT_EQ(selectedOf(*engine, "f-1", Perspective::Program), " r") << "the old roofs stay";
 }
 
 TEST_F(Dominance, OutlivesItsEngine) {
@@ -321,34 +287,31 @@ TEST(DominatingRoofs, FollowFromTheTypes) {
 
 TEST(ComputeRoofs, StandForMoreThan15PercentOfTheOperations) {
     using enum ArithTypeExtDef;
-    const auto add = peak(RoofId::SpVectorAddPeak, 10, RoofOpType::Basic, Float32);
-    const auto fma = peak(RoofId::SpVectorFmaPeak, 20, RoofOpType::Fma, Float32);
-    const auto matrix = peak(RoofId::DpVectorFmaPeak, 90, static_cast<RoofOpType>(3), Float32);
-    const auto integer = peak(RoofId::Int32VectorAddPeak, 5, RoofOpType::Basic, Int32);
+    const auto peak = [](RoofId id, RoofOpType kind, ArithTypeExtDef type) {
+        return makeRoof(id, "r", 2, MemoryLevel::None, type, kind);
+    };
+    const auto add = peak(RoofId::SpVectorAddPeak, RoofOpType::Basic, Float32);
+    const auto fma = peak(RoofId::SpVectorFmaPeak, RoofOpType::Fma, Float32);
+    auto matrix = peak(RoofId::DpVectorFmaPeak, RoofOpType::Matrix, Float32);
+    matrix.value *= 9;
+    const auto integer = peak(RoofId::Int32VectorAddPeak, RoofOpType::Basic, Int32);
+    using Base = ArithTypeDef;
     const struct {
         const char* name;
-        OperationMap map;  // instruction, arithmetic, width: operations of 100
-        double total;
+        OperationMap map;  // instruction, arithmetic, width: operations
         RoofItem roof;
         int expected;
+        double total = 100;
     } cases[]{
-        {"16 percent", {{{3, ArithTypeDef::Float, 32}, {16, 1}}}, 100, fma, 7},
-        {"just below", {{{3, ArithTypeDef::FloatOther, 32}, {15.9, 1}}}, 100, fma, 0},
-        {"what isn't counted as operations", {{{1, ArithTypeDef::Float, 32}, {90, 1}}}, 100, add, 0},
-        {"kinds add up",
-         {{{2, ArithTypeDef::Float, 32}, {8, 1}}, {{17, ArithTypeDef::Float, 32}, {8, 1}}},
-         100,
-         add,
-         10},
-        {"another width", {{{2, ArithTypeDef::Float, 64}, {90, 1}}}, 100, add, 0},
-        {"integer multiply-adds count as additions",
-         {{{3, ArithTypeDef::Int, 32}, {16, 1}}},
-         100,
-         integer,
-         16},
-        {"far more than the total", {{{3, ArithTypeDef::Float, 32}, {1e12, 1}}}, 1, fma, 7},
-        {"no total", {{{3, ArithTypeDef::Float, 32}, {16, 1}}}, 0, fma, 0},
-        {"no operations", {}, 100, fma, 0},
+        {"16 percent", {{{3, Base::Float, 32}, {16, 1}}}, fma, 7},
+        {"just below", {{{3, Base::FloatOther, 32}, {15.9, 1}}}, fma, 0},
+        {"what isn't counted as operations", {{{1, Base::Float, 32}, {90, 1}}}, add, 0},
+        {"kinds add up", {{{2, Base::Float, 32}, {8, 1}}, {{17, Base::Float, 32}, {8, 1}}}, add, 10},
+        {"another width", {{{2, Base::Float, 64}, {90, 1}}}, add, 0},
+        {"integer multiply-adds count as additions", {{{3, Base::Int, 32}, {16, 1}}}, integer, 16},
+        {"far more than the total", {{{3, Base::Float, 32}, {1e12, 1}}}, fma, 7, 1},
+        {"no total", {{{3, Base::Float, 32}, {16, 1}}}, fma, 0, 0},
+        {"no operations", {}, fma, 0},
     };
     for (const auto& each : cases) {
         const auto map = std::make_shared<const OperationMap>(each.map);

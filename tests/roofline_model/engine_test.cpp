@@ -1,6 +1,8 @@
 // The engine from its factory to its end: loads, threads, roofs, the choice of the dataset, its one
 // rectangle.
 #include "roofline_model/factories.h"
+#include "roofline_model/gpu_roofline_engine.h"
+#include "roofline_model/report_helpers.h"
 #include "roofline_model/roof_catalogue.h"
 #include "roofline_model/roofline_engine.h"
 
@@ -19,35 +21,36 @@ const std::string kPoint =
 const std::string kTotalPoint = kPoint + " TotalGFlops=10 TotalFloatAi=1";
 
 TEST(Engine, WithoutAViewModelAnswersWithEmptyValues) {
+    Assertions assertions;
+    for (const auto& engine :
+         {createRooflineInfo(nullptr), createGpuRooflineInfo(nullptr), createOffloadRooflineInfo(nullptr)}) {
+        ASSERT_NE(engine, nullptr);
+        EXPECT_EQ(parse(engine->getRooflineOptions())["groups"].Size(), 2u);
+        EXPECT_EQ(engine->getRoofs("f-1", {}, Perspective::Program), "[]");
+        EXPECT_EQ(engine->getRooflineData(makeDataset("a" + kPoint), "f-1") +
+                      engine->getSelectedRoofs("", {}) + engine->getLoopAdditionalInfo("{}", nullptr, "f-1"),
+                  "");
+    }
     const auto engine = createRooflineInfo(nullptr);
-    ASSERT_NE(engine, nullptr);
-    EXPECT_EQ(parse(engine->getRooflineOptions())["groups"].Size(), 2u);
-    EXPECT_EQ(engine->getThreadsInfo(),
-              R"({"physicalCoreCount":0,"processorPackageCount":0,"usedNumberOfThreads":0})");
-    EXPECT_EQ(engine->getAllRoofs("f-1") + engine->getRoofs("f-1", {}, Perspective::Program), "[][]");
-    EXPECT_EQ(engine->getRooflineData(makeDataset("a" + kPoint), "f-1") + engine->getSelectedRoofs("", {}),
-              "");
+    EXPECT_EQ(engine->getThreadsInfo() + engine->getAllRoofs("f-1"),
+              R"({"physicalCoreCount":0,"processorPackageCount":0,"usedNumberOfThreads":0}[])");
     EXPECT_EQ(engine->getRooflineConfigurationStr({"i"}), "i-1");
     EXPECT_FALSE(engine->clearHighlighting(DataType::Cpu));
     EXPECT_EQ(CRooflineEngine().getMemoryLevelsCount(), 1);
+    EXPECT_EQ(report_helpers::getGpuOperationsMapsJson(nullptr), "");
+    CGpuRooflineEngine(nullptr).onSurveyResultLoaded({}, "");
+    EXPECT_EQ(assertions.reported, std::vector<std::string>{"roofline_model/gpu_roofline_engine: m_model"});
 }
 
 TEST(Engine, CountsThreadsAsTheMachineTellsThem) {
-    const struct {
-        int physical, logical, packages, used;
-        const char* expected;
-    } cases[]{
+    const std::tuple<int, int, int, int, const char*> cases[]{
         {8, 16, 2, 3, "8 2 3"}, {0, 8, 0, 0, "8 1 0"}, {-1, 8, -2, 12, "8 1 12"}, {0, 0, 1, 1, "0 1 1"}};
     for (const auto& [physical, logical, packages, used, expected] : cases) {
         const auto viewModel = makeViewModel(nullptr);
-        viewModel->physical = physical;
-        viewModel->logical = logical;
-        viewModel->packages = packages;
-        viewModel->used = used;
-        const auto info = CRooflineEngine(viewModel).getThreadsInfoStruct();
-        EXPECT_EQ(fmt::format("{} {} {}", info.physicalCoreCount, info.processorPackageCount,
-                              info.usedNumberOfThreads),
-                  expected);
+        std::tie(viewModel->physical, viewModel->logical, viewModel->packages, viewModel->used) =
+            std::tuple(physical, logical, packages, used);
+        const auto [cores, perProcessor, threads] = CRooflineEngine(viewModel).getThreadsInfoStruct();
+        EXPECT_EQ(fmt::format("{} {} {}", cores, perProcessor, threads), expected);
     }
 }
 
@@ -79,6 +82,8 @@ TEST(Engine, ListensToItsViewModelAndToNoOther) {
     EXPECT_EQ(engine->getMetrics(), nullptr);
     current->load();
     EXPECT_NE(engine->getMetrics(), nullptr);
+    current->highlighted = DataType::CpuTopDown;
+    EXPECT_TRUE(engine->clearHighlighting(DataType::CpuTopDown) && !engine->clearHighlighting(DataType::Cpu));
     engine->setModel(nullptr);
     engine->setModel(current);
     engine.reset();
@@ -97,28 +102,14 @@ TEST(Engine, AnswersASummaryOfAnotherKindAtOnce) {
     EXPECT_THROW(engine->loadSummaryData(1, {}), std::bad_function_call);
 }
 
-TEST(Engine, ForwardsTheClearingOfHighlights) {
-    const auto viewModel = makeViewModel(nullptr);
-    viewModel->highlighted = DataType::CpuTopDown;
-    const auto engine = createRooflineInfo(viewModel);
-    EXPECT_TRUE(engine->clearHighlighting(DataType::CpuTopDown));
-    EXPECT_FALSE(engine->clearHighlighting(DataType::Cpu));
-}
-
 TEST(Roofs, AreWrittenAsTheTableGivesThem) {
     const auto viewModel = makeViewModel(nullptr);
-    const auto table = std::make_shared<RoofTable>();
-    viewModel->roofs = table;
-    table->roofs = {{.id = RoofId::DramBandwidth,
-                     .name = "DRAM Bandwidth",
-                     .value = 18446744073709551615u,
-                     .typeBits = RoofItem::Memory | RoofItem::SingleNode,
-                     .memoryLevel = MemoryLevel::Dram},
-                    {.id = RoofId::Int64VectorAddPeak,
-                     .name = "new",
-                     .value = 5,
-                     .typeBits = RoofItem::Compute,
-                     .arithType = ArithTypeExtDef::Int64}};
+    const auto& table = viewModel->roofs;
+    table->roofs = {
+        makeRoof(RoofId::DramBandwidth, "DRAM Bandwidth", 0, MemoryLevel::Dram),
+        makeRoof(RoofId::Int64VectorAddPeak, "new", 5, MemoryLevel::None, ArithTypeExtDef::Int64)};
+    table->roofs[0].value = 18446744073709551615u;
+    table->roofs[0].typeBits |= RoofItem::SingleNode;
     const auto engine = createRooflineInfo(viewModel);
     const RoofThreadingFeatures features{4, RoofThreadingFeatures::Strategy::SingleThread, 2};
     const auto roofs = parse(engine->getRoofs("i", features, Perspective::NotVectorized));
@@ -149,8 +140,7 @@ id=17 isMem=false isSingleNode=false measure=GINTOP/s name=new device=1 memoryLe
 
 TEST(Roofs, OfAllThreadSetUpsSkipOddCounts) {
     const auto viewModel = makeViewModel(nullptr);
-    const auto table = std::make_shared<RoofTable>();
-    viewModel->roofs = table;
+    const auto& table = viewModel->roofs;
     const auto setUps = [&](int physical, int packages) {
         viewModel->physical = physical;
         viewModel->packages = packages;
@@ -173,6 +163,7 @@ TEST(Roofs, OfAllThreadSetUpsSkipOddCounts) {
 TEST(Roofs, WithoutATableAreNoneAndThatIsReported) {
     const auto viewModel = makeViewModel(nullptr);
     viewModel->physical = 1;
+    viewModel->roofs = nullptr;
     Assertions assertions;
     const auto engine = createRooflineInfo(viewModel);
     EXPECT_EQ(engine->getRoofs("f", {}, Perspective::Program), "[]");
@@ -196,11 +187,11 @@ TEST(Chart, TakesTheDatasetThatTheConfigurationCallsFor) {
     EXPECT_EQ(drawn(*engine, mine, other, "f-1"), "mine");
     EXPECT_EQ(drawn(*engine, mine, other, "f-0"), "other");
     EXPECT_EQ(drawn(*engine, mine, nullptr, "f-0"), "total");
-    EXPECT_EQ(drawn(*createRooflineInfo(makeViewModel(self)), nullptr, nullptr, "f-0"), "self")
-        << "no total data";
-    EXPECT_EQ(drawn(*createRooflineInfo(makeViewModel(nullptr)), nullptr, nullptr, "f-0"), "nothing");
-    EXPECT_EQ(drawn(*createRooflineInfo(makeViewModel(nullptr)), mine, nullptr, "f-1"), "mine")
-        << "no metrics";
+    const auto withoutTotal = createRooflineInfo(makeViewModel(self)),
+               withoutMetrics = createRooflineInfo(makeViewModel(nullptr));
+    EXPECT_EQ(drawn(*withoutTotal, nullptr, nullptr, "f-0"), "self");
+    EXPECT_EQ(drawn(*withoutMetrics, nullptr, nullptr, "f-0"), "nothing");
+    EXPECT_EQ(drawn(*withoutMetrics, mine, nullptr, "f-1"), "mine");
 }
 
 TEST(Chart, KeepsOneScaleForTheLifeOfItsEngine) {
@@ -229,10 +220,8 @@ TEST(Chart, KeepsOneScaleForTheLifeOfItsEngine) {
 }
 
 TEST(Chart, ScalesByEveryLevelAndKindOfTraffic) {
-    const char* const rows =
-        "a SelfTime=1 SelfElapsedTime=1 SelfGFlops=10 SelfFloatAi=1 SelfFloatOps=100 SelfMemL1=100"
-        " SelfL1Load=1 SelfL1Store=1 SelfL3Load=1e-2 SelfDramStore=1e6";
-    const auto dataset = makeDataset(rows);
+    const auto dataset =
+        makeDataset("a" + kPoint + " SelfL1Load=1 SelfL1Store=1 SelfL3Load=1e-2 SelfDramStore=1e6");
     const auto engine = createRooflineInfo(makeViewModel(dataset, dataset, 5));
     const auto chart = parse(engine->getRooflineData(dataset, dataset, "f-1-L1-all"));
     EXPECT_EQ(lineOf(chart, {"minX", "maxX"}), "minX=-4 maxX=4");

@@ -10,20 +10,15 @@ namespace {
 
 using namespace row_test;
 using Level = MemoryLevel;
+using Type = ArithTypeExtDef;
 using enum GpuInstruction;
 using enum ArithTypeDef;
 
-RoofItem makePeak(RoofId id, const char* name, std::uint64_t giga, RoofOpType kind, ArithTypeExtDef type) {
-    RoofItem roof = makeRoof(id, name, giga, Level::None, type);
-    roof.roofOpType = kind;
-    return roof;
-}
-
 const std::vector<RoofItem> kRoofs{
-    makePeak(RoofId::None, "Matrix", 9000, RoofOpType::Matrix, ArithTypeExtDef::Float64),
-    makePeak(RoofId::Int32VectorAddPeak, "Int", 1000, RoofOpType::Basic, ArithTypeExtDef::Int32),
-    makePeak(RoofId::DpVectorAddPeak, "NoFMA", 2500, RoofOpType::Basic, ArithTypeExtDef::Float64),
-    makePeak(RoofId::DpVectorFmaPeak, "FMA", 5000, RoofOpType::Fma, ArithTypeExtDef::Float64),
+    makeRoof(RoofId::None, "Matrix", 9000, Level::None, Type::Float64, RoofOpType::Matrix),
+    makeRoof(RoofId::Int32VectorAddPeak, "Int", 1000, Level::None, Type::Int32, RoofOpType::Basic),
+    makeRoof(RoofId::DpVectorAddPeak, "NoFMA", 2500, Level::None, Type::Float64, RoofOpType::Basic),
+    makeRoof(RoofId::DpVectorFmaPeak, "FMA", 5000, Level::None, Type::Float64, RoofOpType::Fma),
     makeRoof(RoofId::DeviceHbmBandwidth, "HBM", 800, Level::Hbm),
     makeRoof(RoofId::L1Bandwidth, "L1", 8000, Level::L1),
     makeRoof(RoofId::XliBandwidth, "XLI", 30, Level::Xli),
@@ -42,21 +37,11 @@ struct Kernel {
     Level memory = Level::Hbm;
 };
 
-struct Linker final : IDatasetRowLinker {
-    sptr_t<RowNode> getLinkedRow(const sptr_t<RowNode>& row) const override {
-        for (const auto& each : test::rowsOf(statistics))
-            if (each->getId() == row->getId()) return each;
-        return nullptr;
-    }
-    sptr_t<IDataset> statistics;
-};
-
 std::shared_ptr<test::ViewModel> makeResult(const Kernel& kernel) {
     auto table = test::tableOf(
-        "host\nkernel type=0x1000000 SelfGFlops=100 SelfFloatAi=0.5 SelfFloatOps=200 SelfGIntOps=10 "
-        "SelfIntAi=0.05 "
-        "SelfIntOps=20 GpuElapsedTime=2 GpuCarmTraffic=400 GpuL3Traffic=100 GpuSlmTraffic=50 "
-        "GpuMemTraffic=50" +
+        "host\nkernel type=0x1000000 SelfGFlops=100 SelfFloatAi=0.5 SelfFloatOps=200 "
+        "SelfGIntOps=10 SelfIntAi=0.05 SelfIntOps=20 GpuElapsedTime=2 "
+        "GpuCarmTraffic=400 GpuL3Traffic=100 GpuSlmTraffic=50 GpuMemTraffic=50" +
             kernel.cells,
         DataType::Gpu);
     table.rows[1].boundedBy = kernel.boundedBy;
@@ -66,16 +51,11 @@ std::shared_ptr<test::ViewModel> makeResult(const Kernel& kernel) {
             "\n  s GpuInstructionType={}u GpuArithType={}u GpuArithWidth={}u "
             "GpuOperationCount={} GpuInstructionCount=8",
             static_cast<int>(instruction), static_cast<int>(type), width, count);
-    const auto linker = std::make_shared<Linker>();
-    linker->statistics = test::makeDataset(text, DataType::GpuStatistics);
-    const auto roofs = std::make_shared<test::RoofTable>();
-    roofs->roofs = kRoofs;
     auto result = std::make_shared<test::ViewModel>();
     result->datasets = {{DataType::Gpu, new test::Dataset(table)},
-                        {DataType::GpuStatistics, linker->statistics}};
-    result->device.memoryType = static_cast<std::uint64_t>(kernel.memory);
-    result->linker = linker;
-    result->roofs = roofs;
+                        {DataType::GpuStatistics, test::makeDataset(text, DataType::GpuStatistics)}};
+    result->memory = kernel.memory;
+    result->roofs->roofs = kRoofs;
     return result;
 }
 
@@ -171,7 +151,7 @@ TEST(GpuRow, AKernelTellsItsLevelsItsOperationsAndItsInstructions) {
                                    {SlmAtomic, FloatOther, 32, 3.0},
                                    {GpuInstruction(99), ArithTypeDef(77), 8, 1.0}}});
     const auto row = rowOf(result);
-    EXPECT_EQ(static_cast<test::RoofTable&>(*result->roofs).asked.back(),
+    EXPECT_EQ(result->roofs->asked.back(),
               roof::getGpuRoofConfiguration(TileUsage::Multi, OperationsType::Undefined));
     std::string text;
     for (const auto& point : row->getMemLevelPoints())
@@ -210,7 +190,7 @@ TEST(GpuRow, MissingAndHostileDataGiveEmptyAnswers) {
               "roofline_model/gpu_roofline_factory: viewModel");
     EXPECT_TRUE(rowOf(result)->isValid());
     EXPECT_FALSE(rowOf({.cells = " type=0x8"})->isValid());
-    result->linker = nullptr;
+    result->datasets.erase(DataType::GpuStatistics);
     noRoofs->roofs = nullptr;
     EXPECT_FALSE(rowOf(result) || rowOf(noRoofs));
     for (const auto* field : {"SelfGFlops", "SelfFloatAi", "SelfFloatOps", "SelfIntOps", "GpuElapsedTime",

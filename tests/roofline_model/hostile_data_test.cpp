@@ -16,30 +16,13 @@ namespace {
 
 // What no operation should take badly; the kinds that a field usually has come first.
 const std::vector<variant_t>& hostileValues() {
-    static const std::vector<variant_t> values{1.0,
-                                               100.0,
-                                               "name",
-                                               7u,
-                                               0.0,
-                                               -1.0,
-                                               1e-300,
-                                               std::numeric_limits<double>::max(),
-                                               std::nan(""),
-                                               HUGE_VAL,
-                                               -HUGE_VAL,
-                                               "",
-                                               "\"\\'\n\x01\x7F%1%%",
-                                               std::string("a\0b", 3),
-                                               "\xFF\xC3('",
-                                               std::string(10'000, '\''),
-                                               variant_t::literal("it's"),
-                                               std::numeric_limits<std::int64_t>::min(),
-                                               std::numeric_limits<std::uint64_t>::max(),
-                                               -1,
-                                               true,
-                                               1e30f,
-                                               variant_t(),
-                                               variant_t::object(new SharedText("object"))};
+    constexpr double kMax = std::numeric_limits<double>::max();
+    static const auto values = [](auto... all) { return std::vector<variant_t>{variant_t(all)...}; }(
+                                   1.0, 100.0, "name", 7u, 0.0, -0.0, -1.0, 1e-300, kMax, NAN, HUGE_VAL,
+                                   -HUGE_VAL, "", "FMA", 8u, "\"\\'\n\x01\x7F%1%%", std::string("a\0b", 3),
+                                   "\xFF\xC3('", std::string(10'000, '\''), variant_t::literal("it's"),
+                                   std::numeric_limits<std::int64_t>::min(), ~0ULL, -1, true, 1e30f,
+                                   variant_t(), variant_t::object(new SharedText("object")));
     return values;
 }
 
@@ -78,47 +61,26 @@ std::shared_ptr<ViewModel> hostileViewModel() {
         *count = *rc::gen::element(0, 1, 8, 64, -3, std::numeric_limits<int>::min());
     viewModel->elapsedTime = (*rc::gen::elementOf(hostileValues())).toDouble();
     viewModel->throws = pick(0, 5) == 0;
-    if (pick(0, 4) == 0) return viewModel;
-    const auto roofs = std::make_shared<RoofTable>();
     for (int i = pick(0, 4); i > 0; --i)
-        roofs->roofs.push_back({.id = static_cast<RoofId>(*rc::gen::arbitrary<int>()),
-                                .name = std::string((*rc::gen::elementOf(hostileValues())).text()),
-                                .value = *rc::gen::arbitrary<std::uint64_t>(),
-                                .typeBits = *rc::gen::arbitrary<std::uint64_t>(),
-                                .memoryLevel = static_cast<MemoryLevel>(*rc::gen::arbitrary<std::uint64_t>()),
-                                .roofOpType = {},
-                                .arithType = static_cast<ArithTypeExtDef>(*rc::gen::arbitrary<unsigned>())});
-    viewModel->roofs = roofs;
+        viewModel->roofs->roofs.push_back(
+            {.id = static_cast<RoofId>(*rc::gen::arbitrary<int>()),
+             .name = std::string((*rc::gen::elementOf(hostileValues())).text()),
+             .value = *rc::gen::arbitrary<std::uint64_t>(),
+             .typeBits = *rc::gen::arbitrary<std::uint64_t>(),
+             .memoryLevel = static_cast<MemoryLevel>(*rc::gen::arbitrary<std::uint64_t>()),
+             .roofOpType = {},
+             .arithType = static_cast<ArithTypeExtDef>(*rc::gen::arbitrary<unsigned>())});
+    if (pick(0, 4) == 0) viewModel->roofs = nullptr;
     return viewModel;
 }
 
-// The same hostile answers as those of a program on a target.
-class Projection final : public IPerfProjectionViewModel {
-public:
-    Projection(std::shared_ptr<ViewModel> host, std::string memory)
-        : m_host(std::move(host)), m_memory(std::move(memory)) {}
-    sptr_t<IDataset> getDataset(DataType) const override { return m_host->getDataset(DataType::Cpu); }
-    std::shared_ptr<IRoofManager> getRoofManager(DataType type) const override {
-        return m_host->getRoofManager(type);
-    }
-    ProgramInfo getProgramInfo() const override { return m_host->getProgramInfo(); }
-    std::string getResultDirectory() const override { return {}; }
-    LoadSignal& onResultLoaded() override { return m_host->loaded; }
-    std::string getTargetMemoryName() const override {
-        return m_host->throws ? throw std::runtime_error("no answer") : m_memory;
-    }
-
-private:
-    const std::shared_ptr<ViewModel> m_host;
-    const std::string m_memory;
-};
-
-std::shared_ptr<IRooflineInfo> hostileEngine(const std::shared_ptr<ViewModel>& viewModel) {
+std::shared_ptr<IRooflineInfo> hostileEngine(std::shared_ptr<ViewModel> viewModel) {
     const int kind = pick(0, 3);
     if (kind == 0) return createRooflineInfo(viewModel);
     if (kind == 1) return createGpuRooflineInfo(viewModel);
-    const std::string memory = *rc::gen::element("HBM", "DRAM", "L1", "", "\xFF\"");
-    return createOffloadRooflineInfo(std::make_shared<Projection>(viewModel, memory));
+    viewModel->datasets[DataType::Offload] = viewModel->datasets[DataType::Cpu];
+    viewModel->targetMemory = *rc::gen::element("HBM", "DRAM", "L1", "", "\xFF\"");
+    return createOffloadRooflineInfo(viewModel);
 }
 
 // An answer is an empty text or parses; an exception that leaves fails the property.
@@ -126,22 +88,53 @@ void check(const std::string& answer) {
     if (!answer.empty()) RC_ASSERT(faultOf(answer) == std::string());
 }
 
-// Every operation of a region, whatever its dataset is.
-void sweepRegion(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset,
-                 const std::shared_ptr<IRoofManager>& roofs) {
-    const auto region = createOffloadRowRooflineInfo(row, dataset, roofs, pick(0, 2) == 0);
-    if (!region) return;
-    check(region->getRooflineData());
-    const std::vector<variant_bag_t> bags{region->getRooflineVariantBag(),
-                                          region->getMemoryMetricsVariantBag(),
-                                          region->getBotteleneckVariantBag(std::vector<std::string>{"\xFF"})};
+// Every operation of a row, whatever its dataset is.
+void sweepRow(IRowRooflineInfo& row) {
+    check(row.getRooflineData());
+    const std::vector<variant_bag_t> bags{row.getRooflineVariantBag(), row.getMemoryMetricsVariantBag(),
+                                          row.getBotteleneckVariantBag({"\xFF", "more"})};
     for (const auto& bag : bags) RC_ASSERT(faultOf(saveBag(bag)) == std::string());
-    for (const auto type : {RooflineMemoryValuesType::Traffic, RooflineMemoryValuesType::Time})
-        RC_ASSERT(region->getMemoryValues(type).size() <= region->getMemLevelPoints().size());
-    const bool isKnown = region->getPoint().operationsType != OperationsType::Undefined;
-    RC_ASSERT(isKnown || !region->isValid());
-    for (const bool total : {true, false}) region->getLimitingRoof(total);
-    RC_ASSERT(region->getMemoryRoofs().empty() || roofs);
+    for (const int type : {0, 1, 2, 3, -1}) {
+        row.getComputeRoof(static_cast<OperationsType>(type));
+        const auto values = row.getMemoryValues(static_cast<RooflineMemoryValuesType>(type));
+        RC_ASSERT(values.size() <= row.getMemLevelPoints().size());
+        row.getLimitingRoof(type > 0);
+    }
+    auto roofs = row.getMemoryRoofs();
+    row.extendMemoryRoofs(roofs);
+    RC_ASSERT(row.getPoint().operationsType != OperationsType::Undefined || !row.isValid());
+}
+
+// A result whose rows have most of what they need.
+variant_t mostlyGood() {
+    return pick(0, 3) ? *rc::gen::element<variant_t>(1.0, 50.0) : *rc::gen::elementOf(hostileValues());
+}
+
+std::shared_ptr<ViewModel> hostileResult() {
+    const int sparseness = *rc::gen::element(0, 1, 3, 20);
+    const auto dataset = [&](DataType type) {
+        Table table{{}, type};
+        table.rows.resize(static_cast<std::size_t>(pick(1, 4)));
+        for (auto& row : table.rows) {
+            if (pick(0, 5) == 0) row.type.reset();
+            for (const auto& field : kFields)
+                if (pick(0, sparseness + 1) == 0 && (field.id < FieldId::TripCounts || pick(0, 2)))
+                    row.cells[field.id] = mostlyGood();
+        }
+        return sptr_t<IDataset>(new Dataset(table));
+    };
+    const auto view = makeViewModel(dataset(DataType::Cpu), dataset(DataType::CpuTopDown), pick(0, 6));
+    auto& roofs = view->roofs->roofs;
+    for (int i = 0; i < 25; ++i) {  // each of the ids, some of them twice
+        const int id = 1 + i % 17;
+        if (!pick(0, 3)) continue;
+        roofs.push_back(makeRoof(RoofId(id), pick(0, 9) ? "roof" : "\xFF\"", 40, MemoryLevel(id < 7 ? id : 0),
+                                 id < 13 ? ArithTypeExtDef::Float64 : ArithTypeExtDef::Int32));
+        if (!pick(0, 3)) roofs.back().value = *rc::gen::element<std::uint64_t>(0, 1, ~0ULL);
+    }
+    view->used = *rc::gen::element(0, 1, 7, -3, std::numeric_limits<int>::max());
+    view->physical = *rc::gen::element(0, 16, std::numeric_limits<int>::max(), -1);
+    return view;
 }
 
 void sweep(IRooflineInfo& engine, const std::vector<sptr_t<IDataset>>& datasets,
@@ -177,21 +170,15 @@ void sweep(IRooflineInfo& engine, const std::vector<sptr_t<IDataset>>& datasets,
 
 TEST(HostileData, IsAnsweredWithTextsThatParse) {
     const Assertions quiet;
-    const std::vector<std::string> configurations{"",
-                                                  "f-1",
-                                                  "f-i-b-0-1-L1-L2-L3-L4-DRAM-load-all",
-                                                  "b-0-DRAM-store",
-                                                  "i-0",
-                                                  "i-CARMgpu-L3gpu-XLIgpu",
-                                                  "\xFF\"\\-L9--",
-                                                  std::string(10'000, 'f')};
     EXPECT_TRUE(rc::check([&] {
         const auto viewModel = hostileViewModel();
         const auto engine = hostileEngine(viewModel);
         const sptr_t<IDataset> foreign(new Dataset(hostileTable()));
         const std::vector<sptr_t<IDataset>> datasets{nullptr, viewModel->datasets[DataType::Cpu],
                                                      viewModel->datasets[DataType::CpuTopDown], foreign};
-        const std::string configuration = *rc::gen::elementOf(configurations);
+        const auto configuration = *rc::gen::element<std::string>(
+            "", "f-1", "f-i-b-0-1-L1-L2-L3-L4-DRAM-load-all", "b-0-DRAM-store", "i-0",
+            "i-CARMgpu-L3gpu-XLIgpu", "\xFF\"\\-L9--", std::string(10'000, 'f'));
         sweep(*engine, datasets, configuration);
         viewModel->throws = !viewModel->throws;
         viewModel->load();
@@ -205,9 +192,38 @@ TEST(HostileData, OfARegionIsAnsweredWithTextsThatParse) {
         const auto viewModel = hostileViewModel();
         const auto dataset = viewModel->datasets[DataType::Cpu];
         for (const auto& row : dataset ? rowsOf(dataset) : std::vector<sptr_t<RowNode>>{nullptr})
-            sweepRegion(row, dataset, viewModel->roofs);
-        sweepRegion(nullptr, dataset, viewModel->roofs);
+            if (const auto region = createOffloadRowRooflineInfo(row, dataset, viewModel->roofs, pick(0, 2)))
+                sweepRow(*region);
+        RC_ASSERT(!createOffloadRowRooflineInfo(nullptr, dataset, viewModel->roofs, false)->isValid());
     }));
+}
+
+TEST(HostileData, OfARowIsAnsweredWithTextsThatParse) {
+    const Assertions quiet;
+    int valid = 0;
+    EXPECT_TRUE(rc::check([&] {
+        const auto view = hostileResult();
+        for (const auto& [type, dataset] : view->datasets)
+            for (const auto& node : rowsOf(dataset)) {
+                const InstructionMix mix{{11, mostlyGood()}, {3, mostlyGood()}, {74, mostlyGood()}};
+                const auto row = createRowRooflineInfo(node, dataset, view->roofs, mix, pick(-1, 5),
+                                                       std::make_shared<RoofThreadingFeatures>());
+                RC_ASSERT(row != nullptr);
+                sweepRow(*row);
+                valid += row->isValid();
+            }
+        const std::string configuration = *rc::gen::element("", "f-1", "i-1", "b-0", "f-0-L1-DRAM-load", "x");
+        const auto request =
+            *rc::gen::element(R"({"item": [1, 2, 3]})", R"({"item": ["1"], "threadCount": 4294967295})");
+        const ComparisonData pair{view, view, DataType::Cpu, {}};
+        const auto engine = createRooflineInfo(view);
+        const auto loops = engine->getLoopAdditionalInfo(request, nullptr, configuration);
+        check(loops);
+        RC_ASSERT(!loops.empty() || configuration == "x" || configuration.empty());
+        const auto compared = engine->getComparisonData(pair, R"({"first": 1, "second": 9})", configuration);
+        RC_ASSERT(faultOf(compared) == "");
+    }));
+    EXPECT_GT(valid, 20) << "rows that have all";
 }
 
 TEST(HostileData, OfAFailedReadLeavesTheNextChartAsItWas) {

@@ -1,4 +1,4 @@
-// The details of chosen loops and of pairs of rows, and every row operation over hostile data.
+// The details of chosen loops and of pairs of rows, and what dominates a row.
 #include "host_interfaces/comparison.h"
 
 #include "roofline_model/factories.h"
@@ -10,9 +10,6 @@
 
 #include <boost/property_tree/ptree.hpp>
 #include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
 
 namespace data_models2::test {
 namespace {
@@ -101,14 +98,6 @@ TEST(LoopDetails, SayWhatLimitsTheLoop) {
     }
 }
 
-TEST(LoopDetails, OfARowThatIsNotInnermostNeedTotalData) {
-    const auto view = makeViewModel(makeDataset("a NestingLevel=1u SelfGFlops=1 SelfFloatAi=1"));
-    view->roofs = std::make_shared<RoofTable>();
-    const auto text = createRooflineInfo(view)->getLoopAdditionalInfo(R"({"item": 1})", nullptr, "f-1");
-    EXPECT_EQ(textOf(parse(text)[0]["bottleneck"]["messages"][0]),
-              roofline::translate("roofline_bottleneck_no_stacks_error"));
-}
-
 TEST(RoofParams, AreReadOfTheRequest) {
     constexpr ThreadsInfo kMachine{16, 2, 6};
     const std::tuple<const char*, const char*, ThreadsInfo> requests[]{
@@ -181,91 +170,6 @@ TEST(DominatingTypes, OfARow) {
         EXPECT_EQ(typesOf(*engine, *view->getDataset(DataType::CpuTopDown)->getRows(0)), "0 2 7")
             << "foreign";
     }
-}
-
-variant_t hostileCell() {
-    if (pick(0, 3)) return *rc::gen::element<variant_t>(1.0, 50.0);
-    constexpr double kMax = std::numeric_limits<double>::max();
-    return *rc::gen::element<variant_t>(0.0, -0.0, -1.0, 1e-300, kMax, NAN, HUGE_VAL, -HUGE_VAL, 1u, 8u, 0u,
-                                        -1, true, 2.0f, ~0ULL, "FMA", "", "\"\\\n\x01%1", "\xFF\xC3(",
-                                        variant_t());
-}
-
-std::shared_ptr<ViewModel> hostileResult() {
-    const int sparseness = *rc::gen::element(0, 1, 3, 20);
-    const auto dataset = [&](DataType type) {
-        Table table{{}, type};
-        table.rows.resize(static_cast<std::size_t>(pick(1, 4)));
-        for (auto& row : table.rows) {
-            if (pick(0, 5) == 0) row.type.reset();
-            for (const auto& field : kFields)
-                if (pick(0, sparseness + 1) == 0 && (field.id < FieldId::TripCounts || pick(0, 2)))
-                    row.cells[field.id] = hostileCell();
-        }
-        return sptr_t<IDataset>(new Dataset(table));
-    };
-    const auto view = makeViewModel(dataset(DataType::Cpu), dataset(DataType::CpuTopDown), pick(0, 6));
-    const auto table = std::make_shared<RoofTable>();
-    for (int i = 0; i < 25; ++i) {  // each of the ids, some of them twice
-        const int id = 1 + i % 17;
-        const bool isMemory = id < 7;
-        if (pick(0, 3))
-            table->roofs.push_back(
-                {.id = RoofId(id),
-                 .name = pick(0, 9) ? "roof" : "\xFF\"",
-                 .value = pick(0, 3) ? 40'000'000'000 : *rc::gen::element<std::uint64_t>(0, 1, ~0ULL),
-                 .typeBits = isMemory ? RoofItem::Memory : RoofItem::Compute,
-                 .memoryLevel = MemoryLevel(isMemory ? id : 0),
-                 .roofOpType = {},
-                 .arithType = id < 13 ? ArithTypeExtDef::Float64 : ArithTypeExtDef::Int32});
-    }
-    view->roofs = table;
-    view->used = *rc::gen::element(0, 1, 7, -3, std::numeric_limits<int>::max());
-    view->physical = *rc::gen::element(0, 16, std::numeric_limits<int>::max(), -1);
-    return view;
-}
-
-std::string sweepRow(const IRowRooflineInfo& row) {
-    for (const int type : {0, 1, 2, 3, -1}) {
-        row.getComputeRoof(static_cast<OperationsType>(type));
-        row.getMemoryValues(static_cast<RooflineMemoryValuesType>(type));
-        row.getLimitingRoof(type > 0);
-    }
-    auto roofs = row.getMemoryRoofs();
-    row.extendMemoryRoofs(roofs);
-    std::string faults;
-    for (const auto& bag : {row.getRooflineVariantBag(), row.getMemoryMetricsVariantBag(),
-                            row.getBotteleneckVariantBag({"\xFF", "more"})})
-        faults += faultOf(saveBag(bag));
-    return faults + faultOf(row.getRooflineData());
-}
-
-TEST(RowOperations, AnswerHostileDataWithTextsThatParse) {
-    const Assertions quiet;
-    int valid = 0;
-    EXPECT_TRUE(rc::check([&] {
-        const auto view = hostileResult();
-        for (const auto& [type, dataset] : view->datasets)
-            for (const auto& node : rowsOf(dataset)) {
-                const InstructionMix mix{{11, hostileCell()}, {3, hostileCell()}, {74, hostileCell()}};
-                const auto row = createRowRooflineInfo(node, dataset, view->roofs, mix, pick(-1, 5),
-                                                       std::make_shared<RoofThreadingFeatures>());
-                RC_ASSERT(row != nullptr);
-                RC_ASSERT(sweepRow(*row) == "");
-                valid += row->isValid();
-            }
-        const std::string configuration = *rc::gen::element("", "f-1", "i-1", "b-0", "f-0-L1-DRAM-load", "x");
-        const auto request =
-            *rc::gen::element(R"({"item": [1, 2, 3]})", R"({"item": ["1"], "threadCount": 4294967295})");
-        const ComparisonData pair{view, view, DataType::Cpu, {}};
-        const auto engine = createRooflineInfo(view);
-        const auto loops = engine->getLoopAdditionalInfo(request, nullptr, configuration);
-        RC_ASSERT(loops.empty() || faultOf(loops) == "");
-        RC_ASSERT(!loops.empty() || configuration == "x" || configuration.empty());
-        const auto compared = engine->getComparisonData(pair, R"({"first": 1, "second": 9})", configuration);
-        RC_ASSERT(faultOf(compared) == "");
-    }));
-    EXPECT_GT(valid, 20) << "rows that have all";
 }
 
 }  // namespace

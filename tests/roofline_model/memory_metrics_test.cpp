@@ -111,11 +111,7 @@ TEST(MemoryMetrics, TakeTheirGettersAndTimesFromTheRecipe) {
 }
 
 TEST(MemoryMetrics, TellTheTypeThatIsShownAtFirst) {
-    const struct {
-        const char* rows;
-        OperationsType dominating;
-        bool isIntAtL1;
-    } cases[]{
+    const std::tuple<const char*, OperationsType, bool> cases[]{
         {"a SelfElapsedTime=1 SelfFloatOps=2 SelfIntOps=2 SelfMemL1=1", Float, false},
         {"a SelfElapsedTime=1 SelfFloatOps=2 SelfIntOps=3 SelfMemL1=1", Int, false},
         {"a SelfElapsedTime=1 SelfFloatOps=2 SelfMemL2=1", Float, true},

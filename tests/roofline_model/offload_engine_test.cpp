@@ -16,23 +16,23 @@ using enum OperationsType;
 using Perspective = IRooflineInfo::Perspective;
 using roofline::translate;
 
-std::shared_ptr<ProjectionView> makeView() {
-    const auto view = std::make_shared<ProjectionView>();
-    view->regions = makeDataset(
+std::shared_ptr<ViewModel> makeView() {
+    const auto view = makeViewModel(nullptr);
+    view->datasets[DataType::Offload] = makeDataset(
         "gemm OffloadElapsedTime=2 TotalFloatOps=40 TotalGFlops=20 TotalFloatAi=4 TotalMixedOps=50 "
         "TotalGMixedOps=25 TotalIntOps=10 OffloadFloat32Ops=4 OffloadFloat64Ops=36 OffloadInt32Ops=10 "
         "OffloadHbmBytes=10e9 OffloadHbmBandwidth=5e9 OffloadXliBytes=2e9"
         "\nskipped TotalFloatOps=900 TotalGFlops=1 OffloadFloat32Ops=900 OffloadHbmBytes=9e9",
         DataType::Offload);
     using enum RoofId;
-    using row_test::makeRoof;
+    using Type = ArithTypeExtDef;
     constexpr auto kNone = MemoryLevel::None;
-    view->roofs->roofs = {makeRoof(SpVectorAddPeak, "SP", 100, kNone, ArithTypeExtDef::Float32),
-                          makeRoof(DpVectorAddPeak, "DP", 100, kNone, ArithTypeExtDef::Float64),
-                          makeRoof(Int32VectorAddPeak, "Int32", 100, kNone, ArithTypeExtDef::Int32),
+    constexpr auto kBasic = RoofOpType::Basic;
+    view->roofs->roofs = {makeRoof(SpVectorAddPeak, "SP", 100, kNone, Type::Float32, kBasic),
+                          makeRoof(DpVectorAddPeak, "DP", 100, kNone, Type::Float64, kBasic),
+                          makeRoof(Int32VectorAddPeak, "Int32", 100, kNone, Type::Int32, kBasic),
                           makeRoof(DeviceHbmBandwidth, "HBM", 100, MemoryLevel::Hbm),
                           makeRoof(XliBandwidth, "XLI", 100, MemoryLevel::Xli)};
-    for (int i = 0; i < 3; ++i) view->roofs->roofs[i].roofOpType = RoofOpType::Basic;
     return view;
 }
 
@@ -44,12 +44,7 @@ TEST(OffloadLoopParams, Are53InGigaUnitsAndFollowTheLevelAndTheOperations) {
           std::tuple{"b", "TotalGMixedOps", "TotalMixedOps"}})
         for (const std::string level : {"L3", "L1", "Slm", "Xli", "Dram", "Edram", "Gddr6", "Llc", "Hbm"}) {
             const auto name = boost::to_upper_copy(level) + "gpu";
-            std::string lines;
-            for (const auto& param : getLoopParams4RooflineConfiguration(
-                     tables.params, RooflineConfiguration(RooflineTypes{operations, name})))
-                lines += fmt::format("\n{} = {} {}", param.getName(),
-                                     boost::replace_all_copy(param.getExpr(), "\x07", " "), param.getType());
-            EXPECT_EQ(lines, fmt::format(R"(
+            EXPECT_EQ(paramsOf(tables.params, {operations, name}), fmt::format(R"(
 name = FunctionName 0
 locat = OffloadSourceLocation SourceLine join: 0
 vec = 1 0
@@ -59,7 +54,7 @@ y = {1} log10 4
 x = {2} Offload{0}Bytes 1e+09 / / log10 4
 selfMem = Offload{0}Bytes 1e+09 / 0
 effectiveBand = Offload{0}Bandwidth 1e+09 / 0)",
-                                         level, rate, count));
+                                                                               level, rate, count));
         }
 }
 
@@ -72,24 +67,17 @@ TEST(OffloadOptionTree, IsMadeOnceForTheTargetOfThatMoment) {
     };
     const auto view = makeView();
     for (const auto& [memory, expected] : targets) {
-        view->memory = memory;
+        view->targetMemory = memory;
         const COffloadRooflineEngine engine(view);
-        view->memory = "DRAM";
+        view->targetMemory = "DRAM";
         view->load();
-        std::string text;
-        const auto tree = parse(engine.getRooflineOptions());
-        for (const auto& group : tree["groups"].GetArray()) {
-            text += textOf(group["defRooflineTypes"]);
-            for (const auto& option : group["options"].GetArray()) text += " " + textOf(option["value"]);
-            text += "; ";
-        }
-        EXPECT_EQ(text, expected) << memory;
+        EXPECT_EQ(optionsOf(parse(engine.getRooflineOptions())), expected) << memory;
     }
 }
 
 TEST(OffloadEngine, ALoadMeasuresAndFindsWhatDominatesForTheTargetThatIsKnownThen) {
     const auto view = makeView();
-    view->memory = "unheard of";
+    view->targetMemory = "unheard of";
     COffloadRooflineEngine engine(view);
     // Gigabytes of the link and of the memory, giga operations, the roofs that are shown.
     const auto state = [&] {
@@ -99,14 +87,7 @@ TEST(OffloadEngine, ALoadMeasuresAndFindsWhatDominatesForTheTargetThatIsKnownThe
                 ? fmt::format("{} {} {} {}", metrics->getTotalGBs("XLIgpu"), metrics->getTotalGBs("HBMgpu"),
                               metrics->getTotalOpCount(Float), metrics->getTotalOpCount(Mixed))
                 : "none";
-        const auto answer = engine.getSelectedRoofs("f", Perspective::Program);
-        if (answer.empty()) return text;
-        const auto document = parse(answer);
-        for (const auto& roof : document["roofsState"].GetObject()) {
-            if (roof.value["selected"].GetBool()) text += " " + textOf(roof.name);
-            EXPECT_FALSE(roof.value["hidden"].GetBool());
-        }
-        return text;
+        return text + selectedOf(engine, "f");
     };
     const auto loaded = [&] {
         view->load();
@@ -114,19 +95,19 @@ TEST(OffloadEngine, ALoadMeasuresAndFindsWhatDominatesForTheTargetThatIsKnownThe
     };
     EXPECT_EQ(state(), "none xli");
     EXPECT_EQ(loaded(), "2 0 40 50 dp int32 xli") << "a level that is listed twice is measured once";
-    view->memory = "HBM";
+    view->targetMemory = "HBM";
     EXPECT_EQ(loaded(), "2 10 40 50 dp int32 hbm") << "what took no time counts nothing";
-    const auto regions = std::exchange(view->regions, nullptr);
+    const auto regions = std::exchange(view->datasets[DataType::Offload], nullptr);
     EXPECT_EQ(loaded() + " " + engine.getRooflineConfigurationStr({}), "none hbm f-XLIgpu");
-    view->regions = regions;
+    view->datasets[DataType::Offload] = regions;
     const auto roofs = std::exchange(view->roofs, nullptr);
     const Assertions quiet;
-    EXPECT_EQ(loaded(), "2 10 40 50");
+    EXPECT_EQ(loaded(), "2 10 40 50nothing");
     view->roofs = roofs;
-    view->memory = "";
-    EXPECT_EQ(loaded(), "none") << "a host that fails";
+    view->throws = true;
+    EXPECT_EQ(loaded(), "nonenothing") << "a host that fails";
     engine.setModel(makeView());
-    view->memory = "HBM";
+    view->throws = false;
     EXPECT_EQ(loaded(), "none hbm") << "of the model before nothing more is heard";
 }
 
@@ -150,17 +131,12 @@ TEST(OffloadEngine, DrawsItsRegionsAndTellsOfThem) {
 
 TEST(OffloadEngine, HasNoThreadsAndNoSummary) {
     const auto view = makeView();
-    COffloadRooflineEngine full(view), empty(nullptr);
+    COffloadRooflineEngine engine(view);
     view->load();
-    empty.onResultLoaded({}, "");
-    for (COffloadRooflineEngine* const engine : {&full, &empty}) {
-        EXPECT_EQ(engine->getThreadsInfo() + engine->getAllRoofs("f"), "");
-        engine->loadSummaryData(0, [](const std::string&) { ADD_FAILURE() << "an answer"; });
-        engine->loadSummaryData(1, {});
-    }
-    EXPECT_EQ(empty.getRooflineData(nullptr, "f") + empty.getSelectedRoofs("f", Perspective::Program) +
-                  empty.getLoopAdditionalInfo("{}", nullptr, "f"),
-              "");
+    EXPECT_EQ(engine.getThreadsInfo() + engine.getAllRoofs("f"), "");
+    engine.loadSummaryData(0, [](const std::string&) { ADD_FAILURE() << "an answer"; });
+    engine.loadSummaryData(1, {});
+    COffloadRooflineEngine(nullptr).onResultLoaded({}, "");
 }
 
 }  // namespace

@@ -68,10 +68,7 @@ std::string textOf(const RooflineConfigurations& configurations) {
 }
 
 TEST(ConfigurationString, IsReadByTheFirstPlaceOfEachToken) {
-    const struct {
-        const char* configuration;
-        const char* expected;
-    } cases[]{
+    const std::pair<const char*, const char*> cases[]{
         {"", "f/1/L1/all"},
         {"i-0", "i/0/L1/all"},
         {"i-f", "f/1/L1/all"},  // a radio group's order decides

@@ -18,24 +18,19 @@ const std::string kRow =
     "TotalMixedOps=100 GpuMemTraffic=50 OffloadHbmBytes=10e9";
 
 rapidjson::Document templateOf(DataType kind, RoofTable& asked) {
-    using row_test::makeRoof;
-    const auto table = std::make_shared<RoofTable>();
-    table->roofs = {makeRoof(RoofId::L1Bandwidth, "L1", 100, MemoryLevel::L1),
-                    makeRoof(RoofId::DeviceHbmBandwidth, "HBM", 50, MemoryLevel::Hbm)};
     const auto viewModel = makeViewModel(makeDataset(kRow), nullptr, 3);
     viewModel->datasets[DataType::Gpu] = makeDataset(kRow, DataType::Gpu);
-    viewModel->device.memoryType = static_cast<std::uint64_t>(MemoryLevel::Hbm);
+    viewModel->datasets[DataType::Offload] = makeDataset(kRow, DataType::Offload);
+    viewModel->memory = MemoryLevel::Hbm;
     viewModel->physical = viewModel->packages = 2;
-    const auto projection = std::make_shared<ProjectionView>();
-    projection->regions = makeDataset(kRow, DataType::Offload);
-    viewModel->roofs = projection->roofs = table;
+    viewModel->roofs->roofs = {makeRoof(RoofId::L1Bandwidth, "L1", 100, MemoryLevel::L1),
+                               makeRoof(RoofId::DeviceHbmBandwidth, "HBM", 50, MemoryLevel::Hbm)};
     const auto engine = kind == DataType::Cpu   ? createRooflineInfo(viewModel)
                         : kind == DataType::Gpu ? createGpuRooflineInfo(viewModel)
-                                                : createOffloadRooflineInfo(projection);
+                                                : createOffloadRooflineInfo(viewModel);
     viewModel->load();
-    projection->load();
     auto report = parse(engine->getReportTemplate(nullptr));
-    asked = *table;
+    asked = *viewModel->roofs;
     return report;
 }
 
@@ -117,11 +112,10 @@ name=y expr=TotalGMixedOps log10 necessary=true)");
 TEST(ReportTemplate, IsWholeWhereNothingIsKnown) {
     const Assertions assertions;
     const auto bare = makeViewModel(nullptr);
-    const auto projection = std::make_shared<ProjectionView>();
-    projection->roofs = nullptr;
+    bare->roofs = nullptr;
     const std::string nothing = R"({"rooflineType":"f","data":[]})";
     for (const auto& engine : {createRooflineInfo(nullptr), createOffloadRooflineInfo(nullptr),
-                               createRooflineInfo(bare), createOffloadRooflineInfo(projection)}) {
+                               createRooflineInfo(bare), createOffloadRooflineInfo(bare)}) {
         const auto report = parse(engine->getReportTemplate(nullptr));
         EXPECT_EQ(textOf(report["programTotal"]["f"]), nothing);
         EXPECT_EQ(textOf(report[report.HasMember("roofs") ? "roofs" : "allRoofs"]["f"]), nothing);

@@ -24,17 +24,7 @@ inline sptr_t<IDataset> oneRow(const Cells& cells, DataType type = DataType::Cpu
     return new test::Dataset({.rows = {{.cells = cells, .type = rowType}}, .type = type});
 }
 
-inline RoofItem makeRoof(RoofId id, const std::string& name, std::uint64_t giga, MemoryLevel level,
-                         ArithTypeExtDef type = ArithTypeExtDef::None) {
-    RoofItem roof;
-    roof.id = id;
-    roof.name = name;
-    roof.value = giga * 1'000'000'000;
-    roof.typeBits = level == MemoryLevel::None ? RoofItem::Compute : RoofItem::Memory;
-    roof.memoryLevel = level;
-    roof.arithType = type;
-    return roof;
-}
+using test::makeRoof;
 
 // What a test says of its row; gigabytes per second and giga operations per second.
 struct RowCase {

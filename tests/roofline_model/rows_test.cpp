@@ -62,13 +62,8 @@ filtered
 TEST(LoopRecord, HoldsAValueByItsKindAndTellsCoordinates) {
     constexpr double kMax = std::numeric_limits<double>::max();
     constexpr int kNecessary = param_type::kNecessary, kClean = param_type::kClean;
-    const struct {
-        variant_t value;
-        int type;
-        const char* json;
-        double result;
-        bool isComplete;
-    } cases[]{
+    // The value, its type's bits, the record as JSON, the result, whether the record is complete.
+    const std::tuple<variant_t, int, const char*, double, bool> cases[]{
         {1.5, kNecessary, R"({"k":1.5})", 1.5, true},
         {std::nan(""), 0, "{}", -kMax, true},
         {HUGE_VAL, kNecessary, "{}", -kMax, false},

@@ -8,7 +8,10 @@
 #include "embedded_host/embedded_host.h"
 #include "embedded_host/services/row_issues.h"
 
+#include "roofline_model/unified/loop_params_tables.h"
+
 #include <boost/algorithm/string/join.hpp>
+#include <boost/algorithm/string/replace.hpp>
 #include <boost/algorithm/string/split.hpp>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -17,9 +20,11 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <map>
 #include <optional>
+#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -178,23 +183,14 @@ inline Table tableOf(const std::string& text, DataType type = DataType::Cpu) {
     for (const auto& line : lines) {
         const auto indent = line.find_first_not_of(' ');
         if (indent == std::string::npos) continue;
-        bool isQuoted = false;
-        std::vector<std::string> words;
-        const std::string content = line.substr(indent);
-        boost::split(
-            words, content,
-            [&](char c) {
-                isQuoted ^= c == '"';
-                return c == ' ' && !isQuoted;
-            },
-            boost::token_compress_on);
+        static const std::regex parts(R"re((?:[^ "]|"[^"]*")+)re");
+        const std::vector<std::string> words(std::sregex_token_iterator(line.begin(), line.end(), parts), {});
         path.resize(indent / 2);
         TestRow row;
         row.parent = path.empty() ? -1 : path.back();
         row.isNull = words.front() == "-";
         row.cells[FieldId::FunctionName] = words.front();
         for (auto word = words.begin() + 1; word != words.end(); ++word) {
-            if (word->empty()) continue;
             const auto name = word->substr(0, word->find('='));
             const auto value = word->substr(name.size() + 1);
             if (name == "type")
@@ -238,7 +234,31 @@ public:
     mutable std::vector<std::string> asked;
 };
 
-class ViewModel final : public ISurveyingViewModel {
+// `giga` units a second; a compute roof where there is no level.
+inline RoofItem makeRoof(RoofId id, const std::string& name, std::uint64_t giga, MemoryLevel level,
+                         ArithTypeExtDef type = ArithTypeExtDef::None, RoofOpType operation = {}) {
+    const auto bits = level == MemoryLevel::None ? RoofItem::Compute : RoofItem::Memory;
+    RoofItem roof{.id = id, .name = name, .value = giga * 1'000'000'000, .typeBits = bits};
+    roof.memoryLevel = level;
+    roof.roofOpType = operation;
+    roof.arithType = type;
+    return roof;
+}
+
+// Links the rows at the top of one dataset to those of the other in order.
+struct Linker final : IDatasetRowLinker {
+    Linker(const sptr_t<IDataset>& from, const sptr_t<IDataset>& to)
+        : sources(rowsOf(from)), linked(rowsOf(to)) {}
+    sptr_t<RowNode> getLinkedRow(const sptr_t<RowNode>& row) const override {
+        for (std::size_t i = 0; row && i < std::min(sources.size(), linked.size()); ++i)
+            if (sources[i] && sources[i]->getId() == row->getId()) return linked[i];
+        return nullptr;
+    }
+    const std::vector<sptr_t<RowNode>> sources, linked;
+};
+
+// A measured result and a projection in one: the datasets say what it is asked for.
+class ViewModel final : public ISurveyingViewModel, public IPerfProjectionViewModel {
 public:
     sptr_t<IDataset> getDataset(DataType type) const override {
         const auto found = given().datasets.find(type);
@@ -248,6 +268,7 @@ public:
     ProgramInfo getProgramInfo() const override { return {"program", given().elapsedTime}; }
     std::string getResultDirectory() const override { return {}; }
     LoadSignal& onSurveyResultLoaded() override { return loaded; }
+    LoadSignal& onResultLoaded() override { return loaded; }
     bool clearHighlighting(DataType type, int) override { return given().highlighted == type; }
     std::vector<std::string> getMemoryLevelNames() const override {
         return std::vector<std::string>(static_cast<std::size_t>(given().levels), "level");
@@ -258,16 +279,22 @@ public:
     int getPackageCount() const override { return given().packages; }
     double getTotalTime() const override { return given().elapsedTime; }
     std::uint64_t getCollectedDataFlags() const override { return 0; }
-    GpuDeviceProperties getGpuDeviceProperties() const override { return given().device; }
-    std::shared_ptr<IDatasetRowLinker> getRowLinker(DataType from, DataType to) const override {
-        return from == DataType::Gpu && to == DataType::GpuStatistics ? given().linker : nullptr;
+    std::optional<DeviceInfo> getDeviceInfo(TargetDeviceType) const override { return given().device; }
+    GpuDeviceProperties getGpuDeviceProperties() const override {
+        return {.memoryType = static_cast<std::uint64_t>(given().memory)};
     }
+    std::shared_ptr<IDatasetRowLinker> getRowLinker(DataType from, DataType to) const override {
+        const auto source = getDataset(from), target = getDataset(to);
+        return source && target ? std::make_shared<Linker>(source, target) : nullptr;
+    }
+    std::string getTargetMemoryName() const override { return given().targetMemory; }
     void load(LoadType type = LoadType::Result) { loaded.raise(type, ""); }
 
     std::map<DataType, sptr_t<IDataset>> datasets;
-    std::shared_ptr<IRoofManager> roofs;
-    GpuDeviceProperties device;
-    std::shared_ptr<IDatasetRowLinker> linker;  // from kernels to their statistics
+    std::shared_ptr<RoofTable> roofs = std::make_shared<RoofTable>();
+    std::optional<DeviceInfo> device;
+    MemoryLevel memory = MemoryLevel::None;  // a GPU's
+    std::string targetMemory = "HBM";        // a projection's
     int levels = 1, used = 0, logical = 0, physical = 0, packages = 0;
     double elapsedTime = 0.0;
     DataType highlighted = DataType::None;
@@ -289,25 +316,6 @@ inline std::shared_ptr<ViewModel> makeViewModel(const sptr_t<IDataset>& self,
     return viewModel;
 }
 
-struct ProjectionView final : IPerfProjectionViewModel {
-    sptr_t<IDataset> getDataset(DataType type) const override {
-        return type == DataType::Offload ? regions : nullptr;
-    }
-    std::shared_ptr<IRoofManager> getRoofManager(DataType) const override { return roofs; }
-    ProgramInfo getProgramInfo() const override { return {"program", 0.0}; }
-    std::string getResultDirectory() const override { return {}; }
-    LoadSignal& onResultLoaded() override { return loaded; }
-    std::string getTargetMemoryName() const override {
-        return memory.empty() ? throw std::runtime_error("no answer") : memory;
-    }
-    void load() { loaded.raise(LoadType::Refresh, ""); }
-
-    sptr_t<IDataset> regions;
-    std::shared_ptr<RoofTable> roofs = std::make_shared<RoofTable>();
-    std::string memory = "HBM";
-    LoadSignal loaded;
-};
-
 // Lets background tasks run while it lives; else none does, since view models of tests change under way.
 class RunningTasks {
 public:
@@ -316,9 +324,14 @@ public:
         embedded_host::stopTasks();
         embedded_host::setTaskThreads(0);
     }
-    RunningTasks(const RunningTasks&) = delete;
-    RunningTasks& operator=(const RunningTasks&) = delete;
 };
+
+// The host takes the completion of the task that follows, too.
+inline void loadAndWait(ViewModel& view, IViewModelBase::LoadType type = IViewModelBase::LoadType::Result) {
+    const RunningTasks tasks;
+    view.load(type);
+    EXPECT_TRUE(embedded_host::pumpTasks(std::chrono::minutes(1)));
+}
 
 // Collects the assertions that are reported while it lives.
 class Assertions {
@@ -328,8 +341,6 @@ public:
                                                   int) { reported.push_back(unit + ": " + expression); });
     }
     ~Assertions() { embedded_host::setAssertionHandler({}); }
-    Assertions(const Assertions&) = delete;
-    Assertions& operator=(const Assertions&) = delete;
 
     std::vector<std::string> reported;
 };
@@ -365,19 +376,20 @@ inline std::string faultOf(const Json& value) {
     }
     return {};
 }
-inline std::string faultOf(const std::string& text) {
-    rapidjson::Document document;
-    document.Parse<rapidjson::kParseFullPrecisionFlag | rapidjson::kParseIterativeFlag>(text.data(),
-                                                                                        text.size());
-    return document.HasParseError() ? "no JSON: " + text.substr(0, 200) : faultOf(std::as_const(document));
-}
-
-inline rapidjson::Document parse(const std::string& text) {
-    EXPECT_EQ(faultOf(text), "");
+inline rapidjson::Document parsed(const std::string& text) {
     rapidjson::Document document;
     document.Parse<rapidjson::kParseFullPrecisionFlag | rapidjson::kParseIterativeFlag>(text.data(),
                                                                                         text.size());
     return document;
+}
+inline std::string faultOf(const std::string& text) {
+    const auto document = parsed(text);
+    return document.HasParseError() ? "no JSON: " + text.substr(0, 200) : faultOf(document);
+}
+
+inline rapidjson::Document parse(const std::string& text) {
+    EXPECT_EQ(faultOf(text), "");
+    return parsed(text);
 }
 
 // "name=a x=1", of the members that are there.
@@ -393,6 +405,42 @@ inline std::string lineOf(const Json& object, const std::vector<std::string>& na
 inline std::string linesOf(const Json& array, const std::vector<std::string>& names) {
     std::string lines;
     for (const auto& item : array.GetArray()) lines += "\n" + lineOf(item, names);
+    return lines;
+}
+
+// The selected roofs, then the hidden ones in brackets, each behind a blank.
+inline std::string selectedOf(const IRooflineInfo& engine, const std::string& configuration,
+                              IRooflineInfo::Perspective perspective = IRooflineInfo::Perspective::Program) {
+    const auto answer = engine.getSelectedRoofs(configuration, perspective);
+    if (answer.empty()) return "nothing";
+    std::string selected, hidden;
+    const auto document = parse(answer);
+    for (const auto& [name, state] : document["roofsState"].GetObject()) {
+        if (state["selected"].GetBool()) selected += " " + textOf(name);
+        if (state["hidden"].GetBool()) hidden += " (" + textOf(name) + ")";
+    }
+    return selected + hidden;
+}
+
+// The default and the options of each group of an option tree.
+inline std::string optionsOf(const Json& tree) {
+    std::string text;
+    for (const auto& group : tree["groups"].GetArray()) {
+        text += textOf(group["defRooflineTypes"]);
+        for (const auto& option : group["options"].GetArray()) text += " " + textOf(option["value"]);
+        text += "; ";
+    }
+    return text;
+}
+
+inline std::string expressionOf(const LoopParam& param) {
+    return boost::replace_all_copy(param.getExpr(), "\x07", " ");
+}
+// "name = expression bits" of each parameter of a configuration, one a line.
+inline std::string paramsOf(const LoopParams& params, const RooflineTypes& types) {
+    std::string lines;
+    for (const auto& param : getLoopParams4RooflineConfiguration(params, RooflineConfiguration(types)))
+        lines += fmt::format("\n{} = {} {}", param.getName(), expressionOf(param), param.getType());
     return lines;
 }
 

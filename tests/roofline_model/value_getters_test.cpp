@@ -18,17 +18,13 @@ const char* const kRows =
     " Rva=\":b\" Isa=\"it's\" TypeDetail=\"e f\" DataTypes=\",c\" LoopType=\";\" MangledName=\".d\"\n"
     "b SelfMemL4=1";
 constexpr FieldId kMissingColumn = FieldId::SelfMemDram;
-const std::vector<FieldId> kFieldsRead{FieldId::SelfTime,     FieldId::SelfElapsedTime,
-                                       FieldId::SourceLine,   FieldId::RowKey,
-                                       FieldId::SelfFloatOps, FieldId::SelfIntOps,
-                                       FieldId::TotalMem,     FieldId::TotalTime,
-                                       FieldId::SelfMemL1,    FieldId::SelfMemL2,
-                                       FieldId::SelfMemL3,    FieldId::Location,
-                                       FieldId::Rva,          FieldId::Isa,
-                                       FieldId::TypeDetail,   FieldId::DataTypes,
-                                       FieldId::LoopType,     FieldId::MangledName,
-                                       FieldId::FunctionName, FieldId::SelfMemL4,
-                                       kMissingColumn};
+// Those of both rows and the missing one.
+const std::vector<FieldId> kFieldsRead = [] {
+    std::vector<FieldId> fields{kMissingColumn};
+    for (const auto& row : tableOf(kRows).rows)
+        for (const auto& cell : row.cells) fields.push_back(cell.first);
+    return fields;
+}();
 const std::vector<variant_t> kConstants{1e9, 2.5, 1u, -3, 0.0};
 
 struct Host {
