@@ -11,9 +11,11 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
+# Build folders share what ccache holds, so the same object isn't compiled for two of them; taking the headers from the
+# compiler's own list saves it a preprocessing of each source.
 find_program(CCACHE_PROGRAM ccache)
-if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER AND NOT OMBRIX_PRECOMPILED_HEADERS)
+    set(CMAKE_CXX_COMPILER_LAUNCHER env CCACHE_NOHASHDIR=1 CCACHE_DEPEND=1 ${CCACHE_PROGRAM})
 endif()
 
 add_library(ombrix_warnings INTERFACE)
@@ -35,4 +37,6 @@ function(ombrix_folder target)
     add_library(${target} OBJECT ${sources})
     target_link_libraries(${target} PUBLIC host_interfaces PRIVATE ombrix_warnings)
     target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
+    ombrix_precompiled_headers(${target} ombrix_headers LINK ombrix_warnings Boost::headers fmt::fmt ombrix_rapidjson
+                               HEADERS ${OMBRIX_COMMON_HEADERS})
 endfunction()
