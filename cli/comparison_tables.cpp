@@ -129,10 +129,10 @@ std::string describe(const ComparedResult& result) {
 }
 
 void writeResult(Writer& writer, const char* key, const ComparedResult& result) {
-    writeObject(writer, key,
-                {{"file", cellOf(result.file)},
-                 {"program", cellOf(result.program)},
-                 {"machine", cellOf(result.machine)}});
+    writeCells(writer, key,
+               {{"file", cellOf(result.file)},
+                {"program", cellOf(result.program)},
+                {"machine", cellOf(result.machine)}});
 }
 
 Cell changeCell(Change change) { return std::string(kChangeNames.at(static_cast<std::size_t>(change))); }
@@ -151,10 +151,10 @@ void writeTotals(Writer& writer, const Comparison& comparison) {
         writer.Key(name.c_str()), writer.Uint64(comparison.count(change));
     }
     const auto add = [&](const char* key, const Times& times) {
-        writeObject(writer, key,
-                    {{"base_elapsed_time_s", times.before},
-                     {"new_elapsed_time_s", times.after},
-                     {"speedup_factor", cellOf(times.speedUp())}});
+        writeCells(writer, key,
+                   {{"base_elapsed_time_s", times.before},
+                    {"new_elapsed_time_s", times.after},
+                    {"speedup_factor", cellOf(times.speedUp())}});
     };
     add("pairs", comparison.pairTimes());
     add("all_rows", comparison.allTimes());

@@ -157,14 +157,14 @@ std::string projectionCsv(const ProjectionTableRequest& request) {
 std::string projectionJson(const ProjectionTableRequest& request) {
     const auto& projection = request.projection;
     return json::objectText([&](Writer& writer) {
-        writeObject(writer, "measured",
-                    {{"file", cellOf(request.measuredFile)},
-                     {"program", cellOf(request.measuredProgram)},
-                     {"machine", cellOf(request.measuredMachine)}});
-        writeObject(writer, "target",
-                    {{"file", cellOf(request.targetFile)},
-                     {"device", cellOf(request.targetDevice)},
-                     {"machine", cellOf(request.targetMachine)}});
+        writeCells(writer, "measured",
+                   {{"file", cellOf(request.measuredFile)},
+                    {"program", cellOf(request.measuredProgram)},
+                    {"machine", cellOf(request.measuredMachine)}});
+        writeCells(writer, "target",
+                   {{"file", cellOf(request.targetFile)},
+                    {"device", cellOf(request.targetDevice)},
+                    {"machine", cellOf(request.targetMachine)}});
         writeMember(writer, "operations", cellOf(request.operations));
         json::writeObjects(writer, "rows", projection.rows.pairs, [&](const ComparedPair& pair) {
             writePair(writer, pair, projection.boundOf(pair.after));
@@ -172,11 +172,11 @@ std::string projectionJson(const ProjectionTableRequest& request) {
         writeRest(writer, "measured_only", projection.rows.beforeOnly);
         writeRest(writer, "projected_only", projection.rows.afterOnly);
         const auto sum = projection.rows.pairTimes();
-        writeObject(writer, "totals",
-                    {{"timed_rows", static_cast<double>(projection.rows.timedPairs())},
-                     {"measured_time_s", sum.before},
-                     {"projected_time_s", sum.after},
-                     {"speedup_factor", cellOf(sum.speedUp())}});
+        writeCells(writer, "totals",
+                   {{"timed_rows", static_cast<double>(projection.rows.timedPairs())},
+                    {"measured_time_s", sum.before},
+                    {"projected_time_s", sum.after},
+                    {"speedup_factor", cellOf(sum.speedUp())}});
     });
 }
 

@@ -75,8 +75,8 @@ void writeMember(json::Writer& writer, const char* key, const Cell& cell) {
         writer.Null();
 }
 
-void writeObject(json::Writer& writer, const char* key,
-                 const std::vector<std::pair<const char*, Cell>>& members) {
+void writeCells(json::Writer& writer, const char* key,
+                const std::vector<std::pair<const char*, Cell>>& members) {
     json::writeObject(writer, key, [&] {
         for (const auto& [name, cell] : members) writeMember(writer, name, cell);
     });

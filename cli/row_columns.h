@@ -29,9 +29,9 @@ std::span<const RowColumn> verdictColumns();
 std::span<const LevelColumn> levelColumns();
 
 void writeMember(json::Writer& writer, const char* key, const Cell& cell);
-// An object of such members.
-void writeObject(json::Writer& writer, const char* key,
-                 const std::vector<std::pair<const char*, Cell>>& members);
+// An object with a member for each cell.
+void writeCells(json::Writer& writer, const char* key,
+                const std::vector<std::pair<const char*, Cell>>& members);
 // The members of one object: all of `rowColumns` and `verdictColumns`, and whether the row is valid.
 void writeMembers(json::Writer& writer, const RowLine& row);
 

@@ -273,4 +273,8 @@ const AnalysisKind& offloadAnalysis() {
     return kind;
 }
 
+const AnalysisKind& measuredAnalysis(TargetDeviceType device) {
+    return device == cpuAnalysis().device ? cpuAnalysis() : gpuAnalysis();
+}
+
 }  // namespace data_models2

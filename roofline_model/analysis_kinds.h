@@ -79,8 +79,8 @@ struct AnalysisKind {
     DataType dominance;
     roofline::DominatingRoofs (*dominatingRoofs)(const DominatingRoofsTask&, const ISurveyingViewModel&,
                                                  const std::shared_ptr<const CMemoryLevelMetrics>&);
-    // Of the program's summary: the operations that its roofs stand for, and what is told of memory, given
-    // the memory roofs, ascending.
+    // Of the program's summary: the operations that its roofs stand for, and what makes its memory roofs of
+    // those of the roof table, ascending.
     OperationsType summedOperations;
     void (*completeMemory)(std::vector<RoofItem>& memory, const ISurveyingViewModel& viewModel);
 
@@ -98,5 +98,7 @@ struct AnalysisKind {
 const AnalysisKind& cpuAnalysis();
 const AnalysisKind& gpuAnalysis();
 const AnalysisKind& offloadAnalysis();
+// That of results measured on such a device.
+const AnalysisKind& measuredAnalysis(TargetDeviceType device);
 
 }  // namespace data_models2

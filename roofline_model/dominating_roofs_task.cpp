@@ -5,9 +5,6 @@
 #include "roofline_model/gpu_operation_map_provider.h"
 #include "roofline_model/guard.h"
 
-#include <algorithm>
-#include <array>
-
 namespace data_models2 {
 
 DominatingRoofsTask::DominatingRoofsTask(std::shared_ptr<ISurveyingViewModel> viewModel, DataType dataType,
@@ -27,34 +24,24 @@ void DominatingRoofsTask::Cancel() {
     m_succeeded = false;
 }
 
-void DominatingRoofsTask::findTypes(const sptr_t<IDataset>& dataset, IDatasetHelper& walker) {
-    const sptr_t<DominatingTypeHelper> helper(new DominatingTypeHelper(dataset, m_viewModel->getTotalTime()));
-    walker.visit(helper, true);
-    m_dominatingTypes = helper->getProgramDominatingTypes();
-}
-
-void DominatingRoofsTask::countOperations(const sptr_t<IDataset>&, IDatasetHelper& walker) {
-    const sptr_t<GpuDominatingTypeHelper> helper(new GpuDominatingTypeHelper(m_viewModel));
-    walker.visit(helper, true);
-    m_operationMap = helper->getOperationMap();
-}
-
 bool DominatingRoofsTask::calculateDominatingTypes() {
-    struct Search {
-        DataType rows;
-        void (DominatingRoofsTask::*run)(const sptr_t<IDataset>&, IDatasetHelper&);
-    };
-    static constexpr auto kSearches = std::to_array<Search>({
-        {DataType::Cpu, &DominatingRoofsTask::findTypes},
-        {DataType::GpuStatistics, &DominatingRoofsTask::countOperations},
-    });
-    const auto search = std::find_if(kSearches.begin(), kSearches.end(),
-                                     [this](const Search& each) { return each.rows == m_dataType; });
     const auto dataset = m_viewModel ? m_viewModel->getDataset(m_dataType) : nullptr;
     const auto walker = createDatasetHelper(dataset);
-    if (!walker || search == kSearches.end()) return false;
-    (this->*search->run)(dataset, *walker);
-    return true;
+    if (!walker) return false;
+    if (m_dataType == DataType::Cpu) {
+        const sptr_t<DominatingTypeHelper> helper(
+            new DominatingTypeHelper(dataset, m_viewModel->getTotalTime()));
+        walker->visit(helper, true);
+        m_dominatingTypes = helper->getProgramDominatingTypes();
+        return true;
+    }
+    if (m_dataType == DataType::GpuStatistics) {
+        const sptr_t<GpuDominatingTypeHelper> helper(new GpuDominatingTypeHelper(m_viewModel));
+        walker->visit(helper, true);
+        m_operationMap = helper->getOperationMap();
+        return true;
+    }
+    return false;
 }
 
 void DominatingRoofsTask::TaskFinished() {

@@ -31,8 +31,6 @@ public:
     std::shared_ptr<const OperationMap> getProgramOperationMap() const { return m_operationMap; }
 
 private:
-    void findTypes(const sptr_t<IDataset>& dataset, IDatasetHelper& walker);
-    void countOperations(const sptr_t<IDataset>& dataset, IDatasetHelper& walker);
     bool calculateDominatingTypes();
 
     DummyProgress m_dummyProgress;

@@ -16,8 +16,8 @@ namespace data_models2 {
 class EngineFace : public IRooflineInfo, public subscriber_base_t {
 public:
     const std::shared_ptr<const CMemoryLevelMetrics>& getMetrics() const { return m_core.metrics(); }
-    // As measured, at least 1. The levels of a projection are its target's, whatever was measured.
-    virtual int getMemoryLevelsCount() const { return 1; }
+    // At least 1.
+    virtual int getMemoryLevelsCount() const = 0;
 
     std::string getRooflineOptions() const final { return m_core.getRooflineOptions(); }
     std::string getRooflineData(sptr_t<IDataset> dataset, const std::string& configuration) final {

@@ -11,10 +11,11 @@
 
 namespace data_models2 {
 
-// All answers but the summary's are empty without a view model.
+// Without a view model there is no data, and a summary is never told.
 class MeasuredEngine : public EngineFace {
 public:
-    // The slots use members, so the connections go before them.
+    // The slots use members, so the connections go before them; an engine with slots that use members of its
+    // own cuts them itself.
     ~MeasuredEngine() override { disconnectAll(); }
 
     // Replaces the view model and listens to its load signal; nothing more is heard of tasks on an earlier

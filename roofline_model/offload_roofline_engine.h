@@ -26,6 +26,9 @@ public:
     // Needs the metrics; without them, or without operations, no compute roof dominates.
     void detectDominatingRoofs();
 
+    // The levels of a projection are its target's, whatever was measured.
+    int getMemoryLevelsCount() const override { return 1; }
+
     // Never answers.
     void loadSummaryData(int, const std::function<void(const std::string&)>&) override {}
     std::string getAllRoofs(const std::string&) const override { return {}; }

@@ -63,8 +63,8 @@ void OffloadRowRooflineHelper::findRoofs(std::vector<RoofItem>& memoryRoofs,
     auto roofs = m_roofManager->getRoofs(roof::getGpuRoofConfiguration(usage, OperationsType::Undefined));
     for (; !roofs.isEnd(); ++roofs) {
         const RoofItem roof = *roofs;
-        if (roof::hasType(roof, RoofItem::Memory))
-            memoryRoofs.push_back(roof);
+        if (roof::hasType(roof, RoofItem::Memory)) memoryRoofs.push_back(roof);
+        // Deliberate: roofs of matrix operations are drawn but never chosen, as no instruction is of them.
         else if (roof.roofOpType != RoofOpType::Matrix &&
                  (roof.arithType == integers || roof.arithType == floats))
             computeRoofs.push_back(roof);

@@ -70,8 +70,8 @@ std::string ProgramDominance::makeSummary(const roofline::RoofIds& selected) con
         const std::lock_guard lock(m_mutex);
         return m_operationMap;
     }();
-    return roofline::summary::getProgramOpsAndBandwidthSummary(m_core.metrics(), m_viewModel, m_core.kind(),
-                                                               selected, operationMap);
+    return roofline::summary::getProgramOpsAndBandwidthSummary(m_core.metrics(), m_viewModel,
+                                                               m_core.kind().device, selected, operationMap);
 }
 
 }  // namespace data_models2

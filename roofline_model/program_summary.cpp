@@ -86,10 +86,11 @@ void completeDeviceMemory(std::vector<RoofItem>& memory, const ISurveyingViewMod
 
 std::string getProgramOpsAndBandwidthSummary(const std::shared_ptr<const CMemoryLevelMetrics>& metrics,
                                              const std::shared_ptr<ISurveyingViewModel>& viewModel,
-                                             const AnalysisKind& kind,
+                                             TargetDeviceType device,
                                              const std::unordered_set<RoofId>& selectedRoofs,
                                              const std::shared_ptr<const OperationMap>& operationMap) {
     if (!metrics || !viewModel) return {};
+    const auto& kind = measuredAnalysis(device);
     const auto roofs = getRoofs(viewModel, kind);
     const double elapsedTime = viewModel->getProgramInfo().elapsedTime;
     if (roofs.isEnd() || !(elapsedTime >= kLeastTime)) return {};
@@ -99,7 +100,7 @@ std::string getProgramOpsAndBandwidthSummary(const std::shared_ptr<const CMemory
     const OperationsType dominating = getDominatingType(metrics);
     std::vector<SummaryItem> items;
     for (const RoofItem& roof : chosen.memory) {
-        const auto level = getLevelName(roof, kind.device);
+        const auto level = getLevelName(roof, device);
         items.push_back({roof, getMetricForMemoryRoof(roof, elapsedTime, metrics->getTotalGBs(level),
                                                       metrics->getTotalAI(OperationsType::Float, level),
                                                       metrics->getTotalAI(OperationsType::Int, level), level,
@@ -112,7 +113,7 @@ std::string getProgramOpsAndBandwidthSummary(const std::shared_ptr<const CMemory
             items.push_back({*roof, getMetricForComputeRoof(*roof, elapsedTime, count, dominating)});
     }
     return rabbit::writeObject([&](rabbit::object& root) {
-        dumpSummary(root, items, kind.device);
+        dumpSummary(root, items, device);
         dumpInstructionMixSummary(root, operationMap);
     });
 }

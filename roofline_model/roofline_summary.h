@@ -51,8 +51,7 @@ void dumpMetric(rabbit::object& object, const OpsAndBandMetric& metric);
 // The members "roofs" and "metrics", one entry an item.
 void dumpSummary(rabbit::object& object, const std::vector<SummaryItem>& items, TargetDeviceType device);
 
-// Of the memories that a device may end in only its own counts, and the traffic of its core has no roof but
-// counts too.
+// Drops the roofs of memories that the device doesn't end in, and appends one for the traffic of its core.
 void completeDeviceMemory(std::vector<RoofItem>& memory, const ISurveyingViewModel& viewModel);
 
 // The summary of a measured program, a JSON object: its memory roofs, ascending, and of each type of
@@ -61,7 +60,7 @@ void completeDeviceMemory(std::vector<RoofItem>& memory, const ISurveyingViewMod
 // end. Empty without metrics, view model, roofs or elapsed time.
 std::string getProgramOpsAndBandwidthSummary(const std::shared_ptr<const CMemoryLevelMetrics>& metrics,
                                              const std::shared_ptr<ISurveyingViewModel>& viewModel,
-                                             const AnalysisKind& kind,
+                                             TargetDeviceType device,
                                              const std::unordered_set<RoofId>& selectedRoofs,
                                              const std::shared_ptr<const OperationMap>& operationMap);
 

@@ -35,7 +35,7 @@ public:
     virtual void extendMemoryRoofs(std::vector<RoofItem>& roofs) const = 0;
 };
 
-// Holds the row, and has nothing of what only some kinds have.
+// Holds the row; what only some kinds have does nothing here.
 class RowRooflineHelper : public IRowRooflineHelper {
 public:
     void init(const sptr_t<RowNode>& row, const sptr_t<IDataset>& dataset) override {

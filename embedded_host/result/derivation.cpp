@@ -10,8 +10,6 @@
 namespace embedded_host {
 namespace {
 using namespace data_models2;
-using Operation = Derivation;
-using Rule = DerivationRule;
 
 FieldType typeOf(FieldId field) { return kFields[static_cast<std::size_t>(fieldSlot(field))].type; }
 
@@ -26,7 +24,7 @@ public:
     Deriver(RowTable& table, std::uint32_t usedThreads)
         : m_table(table), m_threads(usedThreads), m_words((table.size() + 63) / 64) {}
 
-    void apply(const Rule& rule) {
+    void apply(const DerivationRule& rule) {
         auto& target = m_table.column(rule.target);
         if (!target && share(rule)) return;
         const bool isNew = !target;
@@ -64,19 +62,19 @@ private:
 
     // Lets a field without cells have an existing column when that must hold the same: texts that are copied,
     // totals of a file without a tree, and the ratios of such totals. True when there is nothing left to do.
-    bool share(const Rule& rule) {
+    bool share(const DerivationRule& rule) {
         auto& target = m_table.column(rule.target);
         const auto* const a = operand(rule.a);
         const auto* const b = operand(rule.b);
         switch (rule.operation) {
-            case Operation::Copy:
+            case Derivation::Copy:
                 target = m_table.column(rule.a);
                 return true;
-            case Operation::Total:
+            case Derivation::Total:
                 if (m_table.hasTree) return !a;
                 target = m_table.column(rule.a);
                 return true;
-            case Operation::Ratio: {
+            case Derivation::Ratio: {
                 if (!a || !b) return true;
                 const auto made = std::find_if(m_ratios.begin(), m_ratios.end(), [&](const auto& ratio) {
                     return ratio.a == a && ratio.b == b;
@@ -85,54 +83,54 @@ private:
                 target = m_table.column(made->target);
                 return true;
             }
-            case Operation::PerThread:
-            case Operation::AllThreads:
-            case Operation::Giga:
+            case Derivation::PerThread:
+            case Derivation::AllThreads:
+            case Derivation::Giga:
                 return !a;
-            case Operation::Sum:
+            case Derivation::Sum:
                 return !a && !b;
             default:
                 return false;
         }
     }
 
-    void fill(const Rule& rule, Column& target) {
+    void fill(const DerivationRule& rule, Column& target) {
         const auto* const a = operand(rule.a);
         const auto* const b = operand(rule.b);
         switch (rule.operation) {
-            case Operation::RowId:
+            case Derivation::RowId:
                 forMissing(target, everyRow(), [&](auto row) { target.set(row, m_table.ids[row]); });
                 return;
-            case Operation::RowIdText:
+            case Derivation::RowIdText:
                 forMissing(target, everyRow(), [&](auto row) {
                     target.set(row, Column::Text(new SharedText(std::to_string(m_table.ids[row]))));
                 });
                 return;
-            case Operation::UsedThreads:
+            case Derivation::UsedThreads:
                 forMissing(target, everyRow(), [&](auto row) { target.set(row, m_threads); });
                 return;
-            case Operation::Copy:
+            case Derivation::Copy:
                 if (!a) return;
                 forMissing(target, where(*a), [&](auto row) { target.set(row, a->as<Column::Text>()[row]); });
                 return;
-            case Operation::PerThread:
-            case Operation::AllThreads: {
+            case Derivation::PerThread:
+            case Derivation::AllThreads: {
                 if (!a) return;
-                const bool isPerThread = rule.operation == Operation::PerThread;
+                const bool isPerThread = rule.operation == Derivation::PerThread;
                 const double* const from = a->as<double>().data();
                 calculate(target, where(*a), [&](auto row) {
                     return isPerThread ? from[row] / m_threads : from[row] * m_threads;
                 });
                 return;
             }
-            case Operation::Giga: {
+            case Derivation::Giga: {
                 if (!a) return;
                 const double* const from = a->as<double>().data();
                 return calculate(target, where(*a), [&](auto row) { return from[row] / 1e9; });
             }
-            case Operation::Sum:
+            case Derivation::Sum:
                 return sum(a, b, target);
-            case Operation::Ratio: {
+            case Derivation::Ratio: {
                 if (!a || !b) return;
                 const bool isNew = isEmpty(target);
                 const double* const over = a->as<double>().data();
@@ -143,7 +141,7 @@ private:
                 if (isNew) m_ratios.push_back({rule.target, a, b});
                 return;
             }
-            case Operation::Total:
+            case Derivation::Total:
                 return addUp(a, target);
         }
     }
@@ -204,7 +202,7 @@ private:
 
 void derive(RowTable& table, ResultKind kind, std::uint32_t usedThreads) {
     Deriver deriver(table, usedThreads);
-    for (const auto& rule : traitsOf(kind).rules()) deriver.apply(rule);
+    for (const auto& rule : traitsOf(kind).derivationRules()) deriver.apply(rule);
 }
 
 }  // namespace embedded_host

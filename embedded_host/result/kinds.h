@@ -10,6 +10,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 namespace embedded_host {
@@ -22,8 +23,8 @@ struct KindTraits {
     data_models2::DataType rows;  // the dataset of all rows
     data_models2::FieldId time;   // elapsed time of a row
     bool hasLevels, hasDevice, hasTarget, hasStatistics;  // members of files of this kind alone
-    std::span<const DerivationRule> (*rules)();
-    decltype(&makeCpuView) makeView;
+    std::span<const DerivationRule> (*derivationRules)();
+    ViewMaker* makeView;
     bool isTopTime;  // the program's time is that of the top rows, else that of all
 };
 
@@ -40,7 +41,7 @@ inline constexpr auto kResultKinds = std::to_array<KindTraits>({
         .hasDevice = false,
         .hasTarget = false,
         .hasStatistics = false,
-        .rules = cpuRules,
+        .derivationRules = cpuRules,
         .makeView = makeCpuView,
         .isTopTime = true,
     },
@@ -55,7 +56,7 @@ inline constexpr auto kResultKinds = std::to_array<KindTraits>({
         .hasDevice = true,
         .hasTarget = false,
         .hasStatistics = true,
-        .rules = gpuRules,
+        .derivationRules = gpuRules,
         .makeView = makeGpuView,
         .isTopTime = false,
     },
@@ -70,7 +71,7 @@ inline constexpr auto kResultKinds = std::to_array<KindTraits>({
         .hasDevice = false,
         .hasTarget = true,
         .hasStatistics = false,
-        .rules = offloadRules,
+        .derivationRules = offloadRules,
         .makeView = makeOffloadView,
         .isTopTime = false,
     },

@@ -1,9 +1,12 @@
 // Opens results: the file, its machine, and the view model over both.
+#include "host_interfaces/model.h"
 #include "host_interfaces/signals.h"
 
 #include "embedded_host/embedded_host.h"
 #include "embedded_host/result/kinds.h"
+#include "embedded_host/result/machine_file.h"
 #include "embedded_host/result/own_roofs.h"
+#include "embedded_host/result/result_file.h"
 
 #include <filesystem>
 #include <utility>

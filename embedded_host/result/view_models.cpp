@@ -1,11 +1,14 @@
 #include "embedded_host/result/view_models.h"
 
 #include "host_interfaces/host_functions.h"
+#include "host_interfaces/model.h"
 #include "host_interfaces/signals.h"
 
 #include "embedded_host/result/dataset.h"
 #include "embedded_host/result/device.h"
 #include "embedded_host/result/gpu_roof_table.h"
+#include "embedded_host/result/machine_file.h"
+#include "embedded_host/result/result_file.h"
 #include "embedded_host/result/roof_table.h"
 
 #include <numeric>
@@ -15,7 +18,7 @@ namespace embedded_host {
 namespace {
 using namespace data_models2;
 
-// What every kind answers; `roofs` of the machine.
+// What every kind answers; the constructor of each sets the roofs.
 template <class Interface>
 class FileViewModel : public Interface {
 public:
@@ -87,7 +90,7 @@ public:
     GpuViewModel(ResultFile result, std::shared_ptr<const Machine> machine, std::string directory)
         : MeasuredViewModel(std::move(result), std::move(machine), std::move(directory)) {
         m_device = m_result.device ? m_result.device : m_machine->device;
-        m_roofs = makeGpuRoofTable(m_machine, getPackageCount());
+        m_roofs = makeGpuRoofTable(m_machine, subDevicesOf(m_device, *m_machine));
         m_kernels = makeRows(DataType::Gpu);
         m_statistics =
             makeDataset(makeStatisticsTable(*m_result.rows), DataType::GpuStatistics, RowOrder::Tree);

@@ -1,15 +1,18 @@
 // The view models of the kinds of results: answers from what the files said.
 #pragma once
 
-#include "host_interfaces/model.h"
-
-#include "embedded_host/result/machine_file.h"
-#include "embedded_host/result/result_file.h"
-
 #include <memory>
 #include <string>
 
+namespace data_models2 {
+class IPerfProjectionViewModel;
+class ISurveyingViewModel;
+}  // namespace data_models2
+
 namespace embedded_host {
+
+struct Machine;
+struct ResultFile;
 
 // One of the two is there.
 struct Views {
@@ -19,8 +22,7 @@ struct Views {
 
 // `directory` identifies the result among those of a process. The device or target of the result goes before
 // the machine's device.
-Views makeCpuView(ResultFile result, std::shared_ptr<const Machine> machine, std::string directory);
-Views makeGpuView(ResultFile result, std::shared_ptr<const Machine> machine, std::string directory);
-Views makeOffloadView(ResultFile result, std::shared_ptr<const Machine> machine, std::string directory);
+using ViewMaker = Views(ResultFile result, std::shared_ptr<const Machine> machine, std::string directory);
+ViewMaker makeCpuView, makeGpuView, makeOffloadView;
 
 }  // namespace embedded_host

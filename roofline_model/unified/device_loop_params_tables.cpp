@@ -66,18 +66,17 @@ LoopParams makeParams(FieldId sourceFile, FieldId elapsedTime, std::span<const O
     return table;
 }
 
-// The captions of time and traffic are message ids.
-RooflineAttributes makeAttributes(const char* time, const char* traffic) {
+RooflineAttributes makeAttributes(const char* timeCaption, const char* trafficCaption) {
     return {
-        {"selfElapsedTime", time, "roofline_time_sec", false, {""}},
-        {"selfMem", traffic, "roofline_memory_gb", true, {""}},
+        {"selfElapsedTime", timeCaption, "roofline_time_sec", false, {""}},
+        {"selfMem", trafficCaption, "roofline_memory_gb", true, {""}},
         {"effectiveBand", "roofline_effective_bw", "roofline_mem_roof_measure", true, {""}},
     };
 }
 
 }  // namespace
 
-// Of both: each thread has its own, since a pass binds the getters to its dataset.
+// Each thread has tables of its own, since a pass binds the getters to its dataset.
 const ChartTables& getGpuTables() {
     static thread_local const ChartTables tables{
         makeParams<GpuLevel>(FieldId::SourceLocation, FieldId::GpuElapsedTime, kGpuOperations, kGpuLevels),

@@ -39,7 +39,7 @@ constexpr auto kMemoryOperations = std::to_array<Value>({
 
 constexpr std::array<const char*, 4> kCaches{"L1", "L2", "L3", "L4"};
 
-// Each group has a strategy object of its own, made at the first need.
+// Strategies hold nothing: groups of one strategy share the object, which is made at the first need.
 template <class Strategy, std::size_t N>
 COptionGroup makeGroup(const char* caption, const std::array<Value, N>& values,
                        const RooflineTypes& defaults) {

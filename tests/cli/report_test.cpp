@@ -114,6 +114,9 @@ TEST(PageModel, TellsTheRoofsOfARowAsTheListOfRowsDoes) {
     const auto model = json::parse(modelText(result), "the model");
     const auto& holder = model["results"][0];
     const auto listed = json::parse(run({"rows", file, "--config", "1", "--json", "-"}).out, "the rows");
+    ASSERT_EQ(json::items(listed, "rows").Size(), result.rows().lines.size());
+    const auto compute = json::text(*json::items(listed, "rows").begin(), "nearest_level_roof");
+    EXPECT_FALSE(compute.empty());
     for (const auto& row : json::items(listed, "rows")) {
         const auto at = static_cast<rapidjson::SizeType>(result.rows().places.at(json::text(row, "id")));
         const auto expectSame = [&](const char* roof, const char* fraction, const std::string& listedRoof) {
