@@ -86,7 +86,7 @@ constexpr std::array<Hint, 7> kHints{{
      "no integer operations here: try --config f"},
     {[](const Chart& chart) { return lacksTraffic(chart) && !hasStacks(chart); },
      "rows lack traffic at that memory level: `roofline options RESULT --table` lists the levels"},
-    {[](const Chart& chart) { return lacksTraffic(chart) && chart.session.kind->isProjection; },
+    {[](const Chart& chart) { return lacksTraffic(chart) && chart.session.result->isProjected(); },
      "a projection has the levels that were measured: `roofline project --fill-levels` adds the others"},
     {[](const Chart& chart) { return lacksTraffic(chart) && hasStacks(chart); },
      "with call stacks every caller needs the total traffic of its level (fields such as TotalL1Load): "

@@ -26,7 +26,7 @@ Session openTarget(const ChartRequest& request) {
     source.file = request.with;
     source.language = request.source.language;
     auto target = openSession(source);
-    if (!target.kind->isProjection)
+    if (target.models.survey)
         throw UsageError(
             fmt::format("--with: {} is {}; expected an offload result, such as `roofline project` makes",
                         request.with, target.kind->aResult));

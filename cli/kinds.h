@@ -80,7 +80,6 @@ struct ResultTraits {
     std::size_t (*levelCount)(const Models&);
     // What its roofs are for when nothing is chosen; null where they don't depend on a number of threads.
     int (*usedThreads)(const Models&);
-    bool isProjection;        // there is no summary, no choice of threads, no list of thread set-ups
     bool countsInstructions;  // `report_helpers::getGpuOperationsMapsJson` tells of its rows
 
     const char* levelNeeds;  // what a row with a point needs to have levels

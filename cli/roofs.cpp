@@ -91,7 +91,7 @@ std::string askLibrary(const Session& session, const RoofsRequest& request,
 
 int runRoofs(const RoofsRequest& request, Console& console) {
     const auto session = openSession(request.source);
-    if (request.all) needMeasured(session, request.source.file, "list of thread set-ups");
+    if (request.all) needSurvey(session, request.source.file, "list of thread set-ups");
     const auto configuration = chooseConfiguration(session, request.configuration);
     if (!request.set.empty()) setOwnRoofs(session, request, console);
     if (request.clear) clearOwnRoofs(session, request, console);

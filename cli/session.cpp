@@ -114,8 +114,8 @@ std::pair<Session, Session> openSessions(const ResultSource& base, const std::st
     return {startSession(std::move(first)), startSession(std::move(second))};
 }
 
-void needMeasured(const Session& session, const std::string& file, const char* thing) {
-    if (session.kind->isProjection)
+void needSurvey(const Session& session, const std::string& file, const char* thing) {
+    if (!session.models.survey)
         throw std::runtime_error(fmt::format("{}: {} has no {}", file, session.kind->aResult, thing));
 }
 

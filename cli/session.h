@@ -32,8 +32,9 @@ Session openSession(const ResultSource& source);
 // UsageError for others.
 std::pair<Session, Session> openSessions(const ResultSource& base, const std::string& newFile);
 
-// Throws std::runtime_error where the result is a projection, which has no such thing ("summary").
-void needMeasured(const Session& session, const std::string& file, const char* thing);
+// Throws std::runtime_error where no survey of the program is behind the result, and so no such thing
+// ("summary").
+void needSurvey(const Session& session, const std::string& file, const char* thing);
 
 // The program's name, or its file's without folder and ending where the result has none.
 std::string programOf(const Session& session, const std::string& file);

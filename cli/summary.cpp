@@ -116,7 +116,7 @@ const char* causeOf(const Session& session) {
 
 int runSummary(const SummaryRequest& request, Console& console) {
     const auto session = openSession(request.source);
-    needMeasured(session, request.source.file, "summary");
+    needSurvey(session, request.source.file, "summary");
     const auto text = loadSummary(session);
     if (!text || text->empty()) {
         console.err << "no summary: "

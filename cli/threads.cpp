@@ -48,7 +48,7 @@ Table threadTable(const std::string& text) {
 
 int runThreads(const ThreadsRequest& request, Console& console) {
     const auto session = openSession(request.source);
-    needMeasured(session, request.source.file, "choice of threads");
+    needSurvey(session, request.source.file, "choice of threads");
     const auto text = session.engine->getThreadsInfo();
     if (text.empty())
         throw std::runtime_error(request.source.file +

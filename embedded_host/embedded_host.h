@@ -44,6 +44,8 @@ public:
     virtual std::string ownRoofsFault() const = 0;
     // The device that an offload result is about; empty for other kinds and when no file names it.
     virtual std::string targetName() const = 0;
+    // Its times come from a model of the target, as the file says.
+    virtual bool isProjected() const = 0;
     // What the library is given: the view of a CPU or GPU result, null for an offload result. A view model
     // shares the result's data and outlives this object.
     virtual std::shared_ptr<data_models2::ISurveyingViewModel> viewModel() const = 0;

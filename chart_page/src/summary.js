@@ -25,7 +25,7 @@ function programSummary(result, title) {
         make('h3', null, title),
         make('p.facts', null, ...facts.map((fact) => make('span', null, fact))),
         summary?.metrics ? metricTable(summary)
-            : !result.isProjection && make('p', null, texts('page_no_summary')),
+            : result.hasSummary && make('p', null, texts('page_no_summary')),
         mixTable(programMix(summary)));
 }
 

@@ -115,8 +115,10 @@ void Result::writeHead(Writer& writer, Dictionary& dictionary) const {
     writer.member("machine", m_session.result->machineName());
     writer.member("place", say(kind.place(threadingOf(m_session, {}), models)));
     writer.member("kind", lower(kind.name));
-    writer.key("isProjection");
-    writer.Bool(kind.isProjection);
+    writer.key("isProjected");
+    writer.Bool(m_session.result->isProjected());
+    writer.key("hasSummary");
+    writer.Bool(models.survey != nullptr);
     const auto frame = engine.getReportTemplate(nullptr);
     writer.key("template");
     writer.rounded(frame.empty() ? "{}" : frame);

@@ -13,7 +13,7 @@ constexpr auto kMemoryNames = std::to_array<std::string_view>({"DRAM", "HBM", "X
 constexpr auto kMemoryLevels =
     std::to_array<MemoryLevel>({MemoryLevel::Dram, MemoryLevel::Hbm, MemoryLevel::Xli});
 static_assert(kMemoryNames.size() == kMemoryLevels.size());
-constexpr auto kTargetMembers = std::to_array<std::string_view>({"name", "memory"});
+constexpr auto kTargetMembers = std::to_array<std::string_view>({"name", "memory", "projected"});
 // Deliberate: more than those of a device. A target's last level may be a cache.
 constexpr auto kTargetMemories =
     std::to_array<std::string_view>({"L1", "L3", "DRAM", "SLM", "XLI", "GDDR6", "HBM", "EDRAM", "LLC"});
@@ -53,10 +53,11 @@ std::string memoryNameOf(const GpuDeviceProperties& device) {
 }
 
 Target readTarget(const JsonFile& file, const JsonValue& value) {
-    const auto [name, memory] = file.members(value, kTargetMembers);
+    const auto [name, memory, projected] = file.members(value, kTargetMembers);
     Target target;
     if (name) target.name = file.text(*name);
     if (memory) target.memory = kTargetMemories[file.choice(*memory, kTargetMemories)];
+    if (projected) target.isProjected = file.boolean(*projected);
     return target;
 }
 

@@ -19,6 +19,7 @@ std::string memoryNameOf(const data_models2::GpuDeviceProperties& device);
 struct Target {
     std::string name;
     std::string memory;
+    bool isProjected = false;  // the times there come from a model
 };
 
 // `value` is the member `target` of a result file. Throws FileError.

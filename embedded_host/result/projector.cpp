@@ -238,7 +238,7 @@ private:
         put("{\n\"format\": \"roofline-result\",\n\"version\": 1,\n\"kind\": \"offload\",\n");
         put(fmt::format("\"program\": {{\"name\": {}}},\n",
                         jsonText(m_host.program.name, "the program's name")));
-        put(fmt::format("\"target\": {{\"name\": {}, \"memory\": \"{}\"}},\n",
+        put(fmt::format("\"target\": {{\"name\": {}, \"memory\": \"{}\", \"projected\": true}},\n",
                         jsonText(device.name.empty() ? m_target.name : device.name, "the device's name"),
                         memoryNameOf(device)));
         put(fmt::format("\"machine\": {},\n", jsonText(machineName, "the machine file's name")));

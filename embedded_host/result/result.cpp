@@ -17,15 +17,16 @@ using namespace data_models2;
 
 class LoadedResult final : public Result {
 public:
-    LoadedResult(ResultKind kind, std::string targetName, Views views, std::shared_ptr<const Machine> machine)
+    LoadedResult(ResultKind kind, Target target, Views views, std::shared_ptr<const Machine> machine)
         : m_kind(kind),
-          m_targetName(std::move(targetName)),
+          m_target(std::move(target)),
           m_views(std::move(views)),
           m_machine(std::move(machine)) {}
     ResultKind kind() const override { return m_kind; }
     std::string machineName() const override { return m_machine->name; }
     std::string machineFile() const override { return m_machine->file; }
-    std::string targetName() const override { return m_targetName; }
+    std::string targetName() const override { return m_target.name; }
+    bool isProjected() const override { return m_target.isProjected; }
     std::string ownRoofsFault() const override {
         const auto table = base().getRoofManager(traitsOf(m_kind).rows);
         return table ? embedded_host::ownRoofsFault(*table) : std::string();
@@ -45,16 +46,17 @@ private:
     }
 
     const ResultKind m_kind;
-    const std::string m_targetName;
+    const Target m_target;
     const Views m_views;
     const std::shared_ptr<const Machine> m_machine;
 };
 
-// The target, else the machine's device; of other kinds nothing.
-std::string targetNameOf(const ResultFile& result, const Machine& machine) {
+// With the name of the machine's device where the file gives none; of other kinds nothing.
+Target targetOf(const ResultFile& result, const Machine& machine) {
     if (!traitsOf(result.kind).hasTarget) return {};
-    if (result.target && !result.target->name.empty()) return result.target->name;
-    return machine.device ? machine.device->name : std::string();
+    auto target = result.target.value_or(Target());
+    if (target.name.empty() && machine.device) target.name = machine.device->name;
+    return target;
 }
 
 // A machine without roofs when none is known.
@@ -77,7 +79,7 @@ std::shared_ptr<Result> parseResult(const std::string& text, const std::string& 
     auto result = readResult(JsonFile(path, text));
     auto machine = std::make_shared<const Machine>(findMachine(result, path, options));
     const auto kind = result.kind;
-    auto target = targetNameOf(result, *machine);
+    auto target = targetOf(result, *machine);
     auto views = traitsOf(kind).makeView(std::move(result), machine, path);
     return std::make_shared<LoadedResult>(kind, std::move(target), std::move(views), std::move(machine));
 }

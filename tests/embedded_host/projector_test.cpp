@@ -98,6 +98,7 @@ TEST(Projector, KeepsIdsAndSaysWhatItLeavesOut) {
               "no roof for L2_BW on the target: that traffic takes no time");
     const auto result = parseResult(projection.result, "o.json");
     EXPECT_EQ(result->targetName(), "T");
+    EXPECT_TRUE(result->isProjected());
     EXPECT_EQ(result->projection()->getTargetMemoryName(), "HBM");
     const auto regions = result->projection()->getDataset(DataType::Offload);
     const auto row = *regions->getRows(0);
