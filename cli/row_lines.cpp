@@ -179,7 +179,7 @@ RowLine RowReader::read(const sptr_t<RowNode>& row) const {
             levelsNeed(hasCell(row, m_floatOps) && hasCell(row, m_intOps) ? m_rooflines.kind().levelNeeds
                                                                           : "float and integer counts");
     line.doubt = doubtOf(line, *info, m_rooflines.kind());
-    if (line.doubt.empty() && m_rooflines.isWithCallees(row, *info)) line.doubt = "with all that it calls";
+    if (line.doubt.empty() && m_rooflines.isWithCallees(row, *info)) line.doubt = kWithCallees;
     return line;
 }
 

@@ -10,6 +10,9 @@
 
 namespace cli {
 
+// The doubt of a verdict that is of more than the row's own data.
+inline constexpr auto kWithCallees = "with all that it calls";
+
 // A roof over (or under) a point.
 struct RoofOver {
     std::string name;

@@ -10,7 +10,7 @@ string(JSON script_hash GET "${hashes}" script)
 string(JSON style_hash GET "${hashes}" style)
 
 # A script that holds the name of a place would be filled too.
-foreach(place CSP TITLE LANGUAGE MODEL STYLE SCRIPT)
+foreach(place CSP TITLE LANGUAGE NEEDS OLD FAULT MODEL STYLE SCRIPT)
     string(FIND "${script}${style}" "{{${place}}}" found)
     if(found GREATER -1)
         message(FATAL_ERROR "page.js or page.css holds {{${place}}}")

@@ -1,5 +1,5 @@
 // Makes the object that the chart draws out of the rows at the chosen configuration.
-import { axesOf, filterOf, gainText, isOfCallees, levelRoof, roofSide, roofsOf } from './model.js';
+import { axesOf, filterOf, gainText, hasLevelRoofs, levelRoof, roofSide, roofsOf } from './model.js';
 import { number, percent, plain, texts } from './texts.js';
 
 const SIDE_NAMES = ['base', 'new'];
@@ -7,10 +7,11 @@ const LINE = 60;
 
 /**
  * @param {{sides: import('./model.js').Side[], items: import('./model.js').Item[]}} scene
- * @param {import('./store.js').State} state @param {string} title of the exported picture
+ * @param {import('./store.js').State} state @param {string} title of the saved picture
+ * @param {string} subtitle what it shows
  * @returns {import('./chart/view.js').View}
  */
-export function chartView(scene, state, title) {
+export function chartView(scene, state, title, subtitle) {
     const { sides, items } = scene;
     const documents = sides.flatMap((side) => side.levels.map(({ chart }) => chart.document));
     const drawn = documents.filter((document) => !document.noDataMessage);
@@ -28,8 +29,7 @@ export function chartView(scene, state, title) {
         roofs: !drawn.length ? [] : roofsOf(roofSide(scene, state), state).map(({ key, roof, how }) => {
             const value = roof.val / 1e9;
             return {
-                key, id: String(roof.id), name: plain(roof.name), isMemory: roof.isMem, value,
-                measure: roof.measure,
+                key, name: plain(roof.name), isMemory: roof.isMem, value,
                 valueText: `${number(value)} ${roof.measure}`, selected: how === 'strong',
                 hidden: how === 'off',
                 description: plain(roof.desc ?? ''),
@@ -41,10 +41,13 @@ export function chartView(scene, state, title) {
         arrows: isComparison ? arrowsOf(items, new Set(points.map((point) => point.key))) : [],
         links: [],
         colourBy: state.colourBy,
+        without: state.without,
+        zoom: state.zoom,
         pinned: null,
         hovered: null,
         message: drawn.length ? '' : messageOf(documents[0]),
         title,
+        subtitle,
         texts,
     };
 }
@@ -92,7 +95,7 @@ function itemPoints(item, sides, axes, dimmed) {
                 level: point.level,
                 levelCaption: points.map(({ caption }) => caption).join(', '),
                 x: point.x, y: point.y, share: row.share,
-                limitKind: row.limitKind, limit: row.limit, fraction: row.fraction,
+                limitKind: row.limitKind,
                 vectorised: result.rows.vectorised[row.index], dimmed,
                 side: sides.length > 1 ? SIDE_NAMES[at] : '',
                 // Made when asked: thousands of cards aren't read.
@@ -105,25 +108,25 @@ function itemPoints(item, sides, axes, dimmed) {
 }
 
 /** The library's verdict on a row, and of what it is where that isn't the point. */
-function limitText(row, { rows, levels }) {
+function limitText(row, result) {
     if (!row.limit) return texts('page_card_no_limit');
     const limit = texts('page_card_limit', row.limit, percent(row.fraction));
-    const said = rows.operations[row.index] === 'int' ? texts('page_card_by_int', limit) : limit;
+    const said = result.rows.operations[row.index] === 'int' ? texts('page_card_by_int', limit) : limit;
     // Beside the roof of a level it has to be told that this one isn't of a level.
     const of = [
-        levels.some(({ roof }) => roof[row.index] !== null) && texts('page_verdict_core'),
-        isOfCallees(row.doubt) && row.doubt,
+        hasLevelRoofs(result, row.index) && texts('page_verdict_core'),
+        row.withCallees && row.doubt,
     ].filter(Boolean);
     return of.length ? `${said} (${of.join(', ')})` : said;
 }
 
 /** A point's memory level with how much of that level's own roof the row reaches. */
-function levelText({ level, caption }, result, { index, doubt }) {
+function levelText({ level, caption }, result, { index, withCallees, doubt }) {
     const roof = levelRoof(result, result.levels.find(({ option }) => option === level), index);
     const text = texts('page_card_level', caption);
     if (!roof) return text;
     const reached = texts('page_card_limit', roof.roof, percent(roof.fraction));
-    return `${text} (${[reached, isOfCallees(doubt) && doubt].filter(Boolean).join(', ')})`;
+    return `${text} (${[reached, withCallees && doubt].filter(Boolean).join(', ')})`;
 }
 
 /** The lines of the hover card. @param {import('./model.js').LevelPoint[]} points on one place */
@@ -138,7 +141,7 @@ function cardLines(item, row, points, { result, number: side }, axes) {
         `${number(10 ** y)} ${axes.measureY}`,
         limitText(row, result),
         gainText(row),
-        row.doubt && !isOfCallees(row.doubt) && texts('page_remark', row.doubt),
+        row.doubt && !row.withCallees && texts('page_remark', row.doubt),
         texts(row.total ? 'page_card_time_total' : 'page_card_time', number(row.time), percent(row.share)),
         row.calls !== null && texts('page_card_calls', number(row.calls)),
         item.pair && texts('page_card_change', changeText(item.pair)),

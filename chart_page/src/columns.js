@@ -1,5 +1,4 @@
 // What the columns of all lists have in common.
-import { isOfCallees } from './model.js';
 import { isAbove, number, percent, texts } from './texts.js';
 
 /**
@@ -31,7 +30,7 @@ export const limitColumn = (id, width, row) => ({
     id, width, caption: texts(`page_column_${id}`), expl: texts('page_column_limit_expl'),
     value: (item) => row(item).limit,
     // The mark stands first: a long name is cut at its end.
-    text: (item) => (isOfCallees(row(item).doubt) ? '* ' : '') + (row(item).limit || texts('page_missing')),
+    text: (item) => (row(item).withCallees ? '* ' : '') + (row(item).limit || texts('page_missing')),
     look: (item) => `limit ${row(item).limitKind}`,
     title: (item) => [row(item).limit, row(item).doubt].filter(Boolean).join(': '),
 });

@@ -66,15 +66,11 @@ function setUpFields(side, state, onChoose) {
     if (!setUps.length) return [];
     const { threads } = side.result;
     const now = setUps.find((setUp) => setUpKey(setUp) === state.setUp) ?? null;
-    const distinct = (member, of = setUps) => [...new Set(of.map((setUp) => setUp[member]))]
-        .sort((a, b) => a - b);
-    // The wanted member decides; of the others as many as can be stay as they are.
-    const move = (wanted) => {
-        const near = { ...(now ?? setUps[0]), ...wanted };
-        const fit = (setUp) => Object.keys(wanted).every((key) => setUp[key] === wanted[key]) * 4
-            + (setUp.packageCount === near.packageCount) * 2 + (setUp.strategyId === near.strategyId);
-        onChoose(setUpKey(setUps.reduce((best, setUp) => (fit(setUp) > fit(best) ? setUp : best))));
-    };
+    const distinct = (member) => [...new Set(setUps.map((setUp) => setUp[member]))].sort((a, b) => a - b);
+    // A run's threads are taken to share as few packages as hold them.
+    const run = { ...setUps[0], threadCount: threads?.usedNumberOfThreads,
+        packageCount: distinct('packageCount')[0] };
+    const move = (wanted) => onChoose(setUpKey(nearestSetUp(setUps, now ?? run, wanted)));
     const field = (name, choices, value, onPick) => make('label', { title: texts(`page_${name}_expl`) },
         make('span.caption', null, texts(`page_${name}`)),
         make('select', { 'data-focus': name, onchange: (event) => onPick(event.target.value) },
@@ -93,8 +89,9 @@ function setUpFields(side, state, onChoose) {
             now?.threadCount ?? '',
             (n) => (n === '' ? onChoose('') : move({ threadCount: Number(n) }))),
         packages.length > 1 && field('packages',
-            [...(counts.length > 1 ? [] : [asRun]), ...packages.map((n) => [n, captions.get(n) ?? n])],
-            now?.packageCount ?? (counts.length > 1 ? packages.at(-1) : ''),
+            [...(counts.length > 1 && now ? [] : [['', texts('page_as_run')]]),
+                ...packages.map((n) => [n, captions.get(n) ?? n])],
+            now?.packageCount ?? '',
             (n) => (n === '' ? onChoose('') : move({ packageCount: Number(n) }))),
         distinct('strategyId').length > 1 && now && make('label', { title: texts('page_single_thread_expl') },
             make('input', {
@@ -105,4 +102,22 @@ function setUpFields(side, state, onChoose) {
                 }),
             }), texts('page_single_thread')),
     ].filter(Boolean);
+}
+
+/**
+ * The set-up with the wanted members whose others are nearest to those of `from`, the threads first.
+ * @param {object[]} setUps @param {object} from @param {object} wanted
+ */
+function nearestSetUp(setUps, from, wanted) {
+    const near = { ...from, ...wanted };
+    const distances = (setUp) => [
+        Object.keys(wanted).filter((key) => setUp[key] !== wanted[key]).length,
+        Math.abs(setUp.threadCount - near.threadCount) || 0,
+        Number(setUp.packageCount !== near.packageCount), Number(setUp.strategyId !== near.strategyId),
+    ];
+    const isNearer = (a, b) => {
+        const at = a.findIndex((distance, i) => distance !== b[i]);
+        return at >= 0 && a[at] < b[at];
+    };
+    return setUps.reduce((best, setUp) => (isNearer(distances(setUp), distances(best)) ? setUp : best));
 }

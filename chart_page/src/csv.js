@@ -1,5 +1,7 @@
 // Writes the rows of a list as CSV (RFC 4180), with the digits that the data has and the units in the heads.
+// The mark of UTF-8 stands first: without it spreadsheets read names in another code.
 
+const MARK = '\ufeff';
 const DIGITS = 6;  // of the model's numbers
 
 /**
@@ -25,5 +27,5 @@ export function toCsv(columns, items) {
             cell(unit ? `${exportCaption} [${unit}]` : exportCaption)),
         ...items.map((item) => columns.map((column) => cell((column.exported ?? column.value)(item)))),
     ];
-    return lines.map((line) => `${line.join(',')}\r\n`).join('');
+    return MARK + lines.map((line) => `${line.join(',')}\r\n`).join('');
 }

@@ -2,7 +2,7 @@
 import { visible } from './chart/dom.js';
 import { changeText } from './chart_view.js';
 import { figures, make } from './dom.js';
-import { gainText, isOfCallees, nearestRoof } from './model.js';
+import { gainText, hasLevelRoofs, nearestRoof } from './model.js';
 import { isAbove, number, percent, plain, texts } from './texts.js';
 
 /** A bar of a fraction, full at 1. @param {number|null} fraction @param {string} [look] */
@@ -44,20 +44,24 @@ export function showDetails(item, sides, details, onClose) {
 }
 
 function pairTable({ sides: [base, next], pair }) {
-    const point = (row, axis) => {
-        const found = row.points.find(Boolean);
-        return number(found ? 10 ** found[axis] : null);
-    };
-    const line = (id, cell) => [texts(`page_column_${id}`), cell(base), cell(next)];
+    // Points of different levels can't be compared.
+    const at = (row, wanted) => row.points.find((point) => point && point.level === wanted);
+    const level = base.points.find((point) => point && at(next, point.level));
+    const point = (row, axis) => number(level ? 10 ** at(row, level.level)[axis] : null);
+    const captionOf = (id) => texts(`page_column_${id}`);
+    const line = (id, cell, caption = captionOf(id)) => [caption, cell(base), cell(next)];
+    const levelLine = (id, axis) => line(id, (row) => point(row, axis),
+        level?.caption ? texts('page_column_of_level', captionOf(id), level.caption) : captionOf(id));
     return make('div', null,
         make(`p.change.${pair.change}`, null, make('strong', null, changeText(pair))),
         figures(['', texts('page_base'), texts('page_new')], [
             line('time', (row) => number(row.time)),
             line('share', (row) => percent(row.share)),
-            line('performance', (row) => point(row, 'y')),
-            line('intensity', (row) => point(row, 'x')),
+            levelLine('performance', 'y'),
+            levelLine('intensity', 'x'),
             line('limit', (row) => row.limit || texts('page_missing')),
             line('fraction', (row) => percent(row.fraction)),
+            line('gain', (row) => number(row.gain)),
         ]));
 }
 
@@ -75,13 +79,14 @@ function rowDetails(row, side, detail) {
     return [
         make('p.facts', null, ...facts.map((fact) => make('span', null, fact))),
         verdict(row, side, dictionary),
-        row.doubt && make('p.warning', null, isOfCallees(row.doubt) ? texts('page_verdict_total')
+        row.doubt && make('p.warning', null, row.withCallees ? texts('page_verdict_total')
             : texts('page_remark', row.doubt)),
         row.cause && make('p', null, texts('page_not_in_chart', row.cause)),
         ...(detail ? messages(detail) : []),
         levelTable(row, side),
         ...(detail ? tables(detail) : []),
-        !detail && make('p.note', null,
+        detail === null && make('p.note', null, texts('page_details_none')),
+        detail === undefined && make('p.note', null,
             texts('page_details_left_out', Object.keys(side.result.details ?? {}).length)),
     ].filter(Boolean);
 }
@@ -90,11 +95,15 @@ function rowDetails(row, side, detail) {
 function verdict(row, { result }, dictionary) {
     const { rows } = result;
     const cause = dictionary(rows.cause[row.index]);
-    if (!row.limit) return make('p', null, texts('page_no_verdict', cause || texts('page_missing')));
+    const nearest = nearestRoof(result, row.index);
+    const nearestLine = nearest
+        && make('p', null, texts('page_nearest_level', nearest.roof, percent(nearest.fraction)));
+    if (!row.limit)
+        return make('div.verdict', null,
+            make('p', null, texts('page_no_verdict', cause || texts('page_missing'))), nearestLine);
     const [intensity, performance, operations] = [rows.intensity, rows.performance, rows.operations]
         .map((column) => column[row.index]);
     const gain = gainText(row);
-    const nearest = nearestRoof(result, row.index);
     return make('div.verdict', null,
         make('p', null, make(`span.limit${row.limitKind ? `.${row.limitKind}` : ''}`, null, row.limit), ' ',
             make(`span${isAbove(row.fraction) ? '.odd' : ''}`, null,
@@ -104,8 +113,8 @@ function verdict(row, { result }, dictionary) {
         make('p.facts', null,
             make('span', null, texts('page_verdict_point', number(intensity), number(performance))),
             operations && make('span', null, texts(`page_operations_${operations}`)),
-            nearest && make('span', null, texts('page_verdict_core'))),
-        nearest && make('p', null, texts('page_nearest_level', nearest.roof, percent(nearest.fraction))));
+            hasLevelRoofs(result, row.index) && make('span', null, texts('page_verdict_core'))),
+        nearestLine);
 }
 
 function messages({ bottleneck, conclusions }) {
@@ -123,7 +132,7 @@ function levelTable({ index }, { result }) {
         figures(['level', 'traffic', 'intensity', 'level_roof', 'fraction', 'memory_time']
             .map((id) => texts(`page_column_${id}`)),
             known.map((entry) => [
-                entry.nearest[index] ? make('span.nearest', { title: texts('page_nearest') }, entry.level)
+                entry.nearest[index] ? make('span.chief', { title: texts('page_nearest') }, entry.level)
                     : entry.level,
                 number(entry.traffic[index]), number(entry.intensity[index]), roofName(entry.roof[index]),
                 barred(entry.fraction[index], 'memory'), barred(entry.timeShare[index]),
@@ -144,8 +153,9 @@ function tables(detail) {
         roofs.length && make('section', null,
             make('h3', { title: texts('page_row_roofs_expl') }, texts('page_row_roofs')),
             figures([], roofs.map((roof) => [
-                make('span', { className: roof.name === small.limitingRoof ? 'nearest' : '' },
-                    plain(roof.name)),
+                roof.name === small.limitingRoof
+                    ? make('span.chief', { title: texts('page_column_limit') }, plain(roof.name))
+                    : plain(roof.name),
                 `${number(10 ** roof.val)} ${plain(roof.measure)}`,
             ]))),
         mixTable(detail.mix),

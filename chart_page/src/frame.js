@@ -5,7 +5,7 @@ import { texts } from './texts.js';
 const FILE_NAME_MOST = 80;  // characters, as file systems limit names
 
 export const titleOf = (model) =>
-    model.results.map(({ program, file }) => program || file).join(' \u2192 ');
+    model.results.map(({ program }) => program).join(' \u2192 ');
 
 /** The name without ending of what is saved. */
 export function fileNameOf(model) {
@@ -14,7 +14,8 @@ export function fileNameOf(model) {
 }
 
 export function pageHead(model) {
-    const facts = (result) => [result.machine, result.place].filter(Boolean).join(', ');
+    const facts = (result) => [result.machine, result.place, result.isProjected && texts('page_projected')]
+        .filter(Boolean).join(', ');
     const places = [...new Set(model.results.map(facts))].filter(Boolean);
     const title = titleOf(model);
     return make('header.top', null, make('h1', { title }, title),
@@ -25,22 +26,26 @@ export function pageHead(model) {
 export const pageFoot = (model) =>
     make('footer', null, ...(model.notes ?? []).map((note) => make('p', null, note)));
 
-/** A line for errors: said in words, and with a way to try again. */
-export function createNotice() {
-    const element = make('div.notice', { role: 'alert', hidden: true });
+/** Lines for errors, one for each sort: said in words, and with a way to try again. */
+export function createNotices() {
+    const element = make('div', { role: 'alert' });
+    /** @type {Map<string, HTMLElement>} */
+    const lines = new Map();
+    const hide = (/** @type {string} */ sort) => {
+        lines.get(sort)?.remove();
+        lines.delete(sort);
+    };
     return {
         element,
-        show(text, again) {
-            element.replaceChildren(...[
-                make('p', null, text),
+        hide,
+        /** @param {string} sort @param {string} text @param {() => void} [again] */
+        show(sort, text, again) {
+            hide(sort);
+            lines.set(sort, make('div.notice', null, make('p', null, text),
                 again && make('button', { type: 'button', onclick: again }, texts('page_try_again')),
                 make('button.quiet', { type: 'button', 'aria-label': texts('page_close'),
-                    onclick: () => this.hide() }, '\u00d7'),
-            ].filter(Boolean));
-            element.hidden = false;
-        },
-        hide() {
-            element.hidden = true;
+                    onclick: () => hide(sort) }, '\u00d7')));
+            element.append(lines.get(sort));
         },
     };
 }

@@ -50,7 +50,7 @@ class Grid {
         this.m_on = on;
         this.m_head = make('div.grid-head', { role: 'row' });
         this.m_body = make('div.grid-body', { role: 'rowgroup' });
-        this.m_empty = make('p.grid-empty', { hidden: true });
+        this.m_empty = make('div.grid-empty', { role: 'row', hidden: true });
         this.element = make('div.grid', { role: 'grid', tabIndex: 0, 'aria-label': on.label },
             make('div.grid-top', { role: 'rowgroup' }, this.m_head), this.m_body, this.m_empty);
         this.m_columns = [];
@@ -73,6 +73,7 @@ class Grid {
             event.preventDefault();
             keys[event.key]();
         });
+        root.addEventListener('blur', () => on.onHover(null));
         root.addEventListener('scroll', () => {
             this.m_size.top = root.scrollTop;
             this.m_draw();
@@ -191,7 +192,7 @@ class Grid {
         this.element.setAttribute('aria-rowcount', items.length + 1);
         refill(this.m_head, columns.map((column) => headCell(column, content, this.m_on.onSort)));
         this.m_empty.hidden = items.length > 0;
-        this.m_empty.textContent = content.none;
+        this.m_empty.replaceChildren(make('div', { role: 'gridcell' }, content.none));
         this.m_active = Math.max(0, items.findIndex((item) => item.row === this.m_marks.pinned));
         this.m_draw();
     }

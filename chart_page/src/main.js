@@ -13,14 +13,11 @@ async function start() {
     new Page(app, model, makeSource(model)).start();
 }
 
-// Without a model there is no catalogue: these words stand in the program's first language.
-if (!globalThis.DecompressionStream) {
-    app.replaceChildren(make('p.boot', { role: 'alert' },
-        'This browser is too old for the page: it needs one of 2023 or later.'));
-} else {
+// Without a model there is no catalogue: the program has left these words with the element.
+const say = (text) => app.replaceChildren(make('p.boot', { role: 'alert' }, text));
+if (!globalThis.DecompressionStream) say(app.dataset.old);
+else
     start().catch((error) => {
-        app.replaceChildren(make('p.boot', { role: 'alert' },
-            `The page can't show its data: ${error.message}`));
+        say(app.dataset.fault.replace('%1', () => error.message));
         throw error;
     });
-}

@@ -1,5 +1,5 @@
 // Makes what the page shows out of model and state: the rows of each result at the chosen configuration.
-import { configurations, readGroups, select } from './options.js';
+import { configurations, offers, readGroups, select } from './options.js';
 import { shortNames } from './short_name.js';
 import { fold, number, plain, texts } from './texts.js';
 
@@ -27,7 +27,9 @@ import { fold, number, plain, texts } from './texts.js';
  * @property {'memory'|'compute'|''} limitKind
  * @property {number|null} fraction of the limiting roof
  * @property {number|null} speedUp
+ * @property {number|null} gain seconds that the row would save on its limiting roof
  * @property {string} doubt about that verdict; ""
+ * @property {boolean} withCallees the verdict is of more than the row's own data, and the points aren't
  * @property {Array<LevelPoint|null>} points by chosen level
  * @property {string} cause why the row isn't in the chart; "" where it is
  * @property {number|null} parent index of the row that calls
@@ -56,32 +58,52 @@ import { fold, number, plain, texts } from './texts.js';
  * @returns {Promise<{sides: Side[], items: Item[]}>}
  */
 export async function loadScene(model, source, tokens) {
-    const loads = model.results.map((result, number) => loadSide(source, result, number, tokens));
+    const groups = readGroups(model.results[0]);
+    const wanted = select(groups, tokens).flat();
+    const hasLevels = groups.some(({ isLevels }) => isLevels);
+    const loads = model.results.map((result, number) =>
+        loadSide(source, result, number, wanted, number > 0 && hasLevels));
     const sides = await Promise.all(loads);
     return { sides, items: makeItems(sides, model.comparison) };
 }
 
-/** @returns {Promise<Side>} */
-async function loadSide(source, result, number, tokens) {
+/**
+ * @param {boolean} isStrict memory levels that the result hasn't got leave it without points: those of
+ * another level would look like the same ones
+ * @returns {Promise<Side>}
+ */
+async function loadSide(source, result, number, tokens, isStrict) {
     const groups = readGroups(result);
+    const lacking = isStrict && groups.some((group) => group.isLevels && !offers(group, tokens));
     const selection = select(groups, tokens);
     const wanted = configurations(groups, selection);
     const [roofs, ...loaded] = await Promise.all([
         source.roofs(number, selection[0]?.[0] ?? ''),
         ...wanted.map(({ configuration }) => source.chart(number, configuration)),
     ]);
-    const levels = wanted.map((level, i) => ({ ...level, ...loaded[i] })).filter((level) => level.chart);
+    const levels = wanted.map((level, i) => ({ ...level, ...loaded[i] })).filter((level) => level.chart)
+        .map((level) => (lacking ? { ...level, chart: withoutPoints(level.chart), causes: [] } : level));
     const names = wanted.map(({ configuration }) => configuration);
     if (!levels.length) throw new Error(texts('page_error_chart', names.join(', ')));
     const total = levels.some(({ chart }) => chart.placed === 'x1');
-    return { number, result, levels, roofs, rows: makeRows(result, levels, total) };
+    const cause = lacking ? texts('page_level_not_offered') : '';
+    return { number, result, levels, roofs, rows: makeRows(result, levels, total, cause) };
 }
+
+/** A chart's axes and roofs alone. */
+const withoutPoints = (chart) => ({
+    ...chart, document: { ...chart.document, programTotal: [] }, loops: {}, parents: null, causes: null,
+});
 
 /** A column of a chart by the key of the loop records; empty where the chart hasn't one. */
 const column = ({ chart, columns }, key) => columns[chart.loops?.[key]] ?? [];
 
-/** @returns {Row[]} */
-function makeRows(result, levels, total) {
+/**
+ * @param {boolean} total the points are those of rows with all that they call
+ * @param {string} why the rows of a chart without points aren't in it; ""
+ * @returns {Row[]}
+ */
+function makeRows(result, levels, total, why) {
     const { rows, dictionary } = result;
     const read = levels.map((level) => {
         const suffix = level.chart.placed === 'x1' ? '1' : '';
@@ -95,8 +117,6 @@ function makeRows(result, levels, total) {
             parents: level.chart.parents === null ? [] : level.columns[level.chart.parents] ?? [],
         };
     });
-    const known = rows.time.findIndex((time, i) => time > 0 && rows.share[i] > 0);
-    const whole = known < 0 ? null : rows.time[known] / rows.share[known];
     const names = rows.name.map((name, i) => (name.trim() ? name : `#${rows.id[i]}`));
     const short = shortNames(names);
     const doubts = rows.doubt.map((doubt) => plain(dictionary[doubt] ?? ''));
@@ -111,22 +131,29 @@ function makeRows(result, levels, total) {
         const at = placed ? points.findIndex(Boolean) : 0;
         const { chart, dictionary: causes } = read[at];
         // With call stacks the chart's time is that of the row with all that it calls.
-        const withCallees = (total ? read[at].time[i] : null) ?? null;
-        const time = withCallees ?? rows.time[i];
+        const totalTime = (total ? read[at].time[i] : null) ?? null;
+        const time = totalTime ?? rows.time[i];
+        const speedUp = rows.speedUp[i];
         return {
             index: i, id, name: names[i], short: short[i], location: rows.location[i],
-            time, total: withCallees !== null,
-            share: time === rows.time[i] ? rows.share[i] : whole && time / whole,
+            time, total: totalTime !== null,
+            share: time === rows.time[i] ? rows.share[i] : result.seconds && time / result.seconds,
             calls: rows.calls[i],
             limit: dictionary[rows.limit[i]] ?? '', limitKind: rows.limitKind[i], fraction: rows.fraction[i],
-            speedUp: rows.speedUp[i], points,
+            speedUp, points,
+            // The verdict is of the row's own data, or of all.
+            gain: gainOf(rows.withCallees[i] ? time : rows.time[i], speedUp),
             // Shown with all that it calls it is what the verdict is of.
-            doubt: withCallees !== null && isOfCallees(doubts[i]) ? '' : doubts[i],
-            cause: placed ? '' : plain(causes[chart.causes?.[i]] ?? texts('page_not_drawn')),
+            withCallees: rows.withCallees[i] && totalTime === null,
+            doubt: rows.withCallees[i] && totalTime !== null ? '' : doubts[i],
+            cause: placed ? '' : why || plain(causes[chart.causes?.[i]] ?? texts('page_not_drawn')),
             parent: read[at].parents[i] ?? null,
         };
     });
 }
+
+/** Seconds less on the limiting roof; null for a row that stands on it, or above. */
+const gainOf = (time, speedUp) => (speedUp > 1 && time !== null ? time * (1 - 1 / speedUp) : null);
 
 /** @returns {Item[]} */
 function makeItems(sides, comparison) {
@@ -151,8 +178,10 @@ function makeItems(sides, comparison) {
 export function filterOf(state) {
     const words = fold(state.search).split(/\s+/).filter(Boolean);
     const least = state.least / 100;
+    const isAmong = (side) => (!least || (side.share ?? 0) >= least)
+        && !state.without.includes(side.limitKind || 'none');
     return (item) => words.every((word) => item.key.includes(word))
-        && (!least || item.sides.some((side) => side && (side.share ?? 0) >= least));
+        && item.sides.some((side) => side && isAmong(side));
 }
 
 /** @returns {{roof: string, fraction: number}|null} */
@@ -167,12 +196,19 @@ export const nearestRoof = ({ dictionary, rows }, index) =>
 export const levelRoof = ({ dictionary }, level, index) =>
     roofOver(dictionary[level?.roof[index]], level?.fraction[index]);
 
-/** Whether a doubt says that the verdict is of more than the row's own data. @param {string} doubt */
-export const isOfCallees = (doubt) => doubt === texts('page_doubt_with_all_that_it_calls');
+/** Whether a row has roofs of its memory levels, which the verdict on the whole has to be told apart from. */
+export const hasLevelRoofs = ({ rows, levels }, index) =>
+    rows.nearest[index] !== null || levels.some(({ roof }) => roof[index] !== null);
 
-/** How much a row would gain on its limiting roof; nothing where it stands on it. @param {Row} row */
-export const gainText = ({ speedUp }) =>
-    (speedUp > 0 && number(speedUp) !== '1' ? texts('page_card_speed_up', number(speedUp)) : '');
+/**
+ * How much a row would gain on its limiting roof; nothing where it stands on it, or above.
+ * @param {Row} row
+ */
+export function gainText({ speedUp, gain }) {
+    if (!(speedUp > 1) || number(speedUp) === '1') return '';
+    const text = texts('page_card_speed_up', number(speedUp));
+    return gain === null ? text : texts('page_card_gain', text, number(gain));
+}
 
 /**
  * The chart document that names the axes: the first one with something to draw.
@@ -183,16 +219,22 @@ export function axesOf(sides) {
     return documents.find((document) => !document.noDataMessage) ?? documents[0];
 }
 
-/** An item's name in the address. @param {Item} item */
+/** A few letters of a name (32 bits, FNV-1a). @param {string} name */
+const hashOf = (name) => [...new TextEncoder().encode(name)]
+    .reduce((hash, byte) => Math.imul(hash ^ byte, 0x01000193) >>> 0, 0x811c9dc5).toString(36);
+
+/** An item's name in the address. Of another result the same id may be another row's. @param {Item} item */
 export function pinOf(item) {
     const side = item.sides.findIndex(Boolean);
-    return `${side}:${item.sides[side].id}`;
+    const { id, name } = item.sides[side];
+    return [side, hashOf(name), id].join(':');
 }
 
 /** The item that the state pins, or null. @param {Item[]} items @param {string} pinned */
 export function findPinned(items, pinned) {
-    const [side, ...id] = pinned.split(':');
-    return items.find((item) => item.sides[Number(side)]?.id === id.join(':')) ?? null;
+    const [side, hash, ...id] = pinned.split(':');
+    const found = items.find((item) => item.sides[Number(side)]?.id === id.join(':'));
+    return found && hashOf(found.sides[Number(side)].name) === hash ? found : null;
 }
 
 /**

@@ -28,6 +28,9 @@ export function readGroups(result) {
     });
 }
 
+/** Whether a group has any of the wanted values. @param {Group} group @param {string[]} wanted */
+export const offers = (group, wanted) => group.values.some(({ value }) => wanted.includes(value));
+
 /**
  * What is chosen in each group for the wanted tokens, in the order of the group; its default where nothing
  * is.

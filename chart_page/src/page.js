@@ -3,18 +3,19 @@ import { createChart } from './chart/chart.js';
 import { chartView, linksOf } from './chart_view.js';
 import { createControls } from './controls.js';
 import { make, saveFile } from './dom.js';
-import { createNotice, fileNameOf, pageFoot, pageHead, titleOf } from './frame.js';
+import { createNotices, fileNameOf, pageFoot, pageHead, titleOf } from './frame.js';
 import { createHelp } from './help.js';
 import { findPinned, loadScene, pinOf, roofSide, roofsOf } from './model.js';
 import { createSidePanel } from './side_panel.js';
 import { createSplitter } from './splitter.js';
 import { createStore } from './store.js';
+import { subtitleOf } from './subtitle.js';
 import { texts } from './texts.js';
 
 /** The members of the state that change each part. */
-const CHART_MEMBERS = ['setUp', 'roofs', 'machine', 'search', 'least', 'colourBy'];
+const CHART_MEMBERS = ['setUp', 'roofs', 'machine', 'search', 'least', 'colourBy', 'without'];
 const CONTROL_MEMBERS = ['setUp', 'roofs', 'machine', 'colourBy'];
-const LIST_MEMBERS = ['search', 'least', 'sort', 'descending', 'list'];
+const LIST_MEMBERS = ['search', 'least', 'without', 'sort', 'descending', 'list'];
 
 const isSame = (/** @type {string[]} */ a, /** @type {string[]} */ b) => a.join() === b.join();
 
@@ -26,7 +27,7 @@ export class Page {
         this.m_source = source;
         this.m_usual = model.results[0].configuration.split('-');
         this.m_store = createStore({ tokens: this.m_usual });
-        this.m_notice = createNotice();
+        this.m_notices = createNotices();
 
         this.m_scene = null;
         this.m_view = null;
@@ -40,12 +41,11 @@ export class Page {
 
     start() {
         this.m_store.subscribe((state, before) => this.m_follow(state, before));
-        let isLost = false;
-        this.m_source.watch(() => location.reload(), (lost) => {
-            if (lost) this.m_notice.show(texts('page_connection_lost'));
-            else if (isLost) this.m_notice.hide();
-            isLost = lost;
-        }, (fault) => this.m_notice.show(texts('page_file_fault', fault)));
+        const { m_notices: notices } = this;
+        const say = (sort, isSo, text) => (isSo ? notices.show(sort, text) : notices.hide(sort));
+        this.m_source.watch(() => location.reload(),
+            (isLost) => say('connection', isLost, texts('page_connection_lost')),
+            (fault) => say('files', fault, texts('page_file_fault', fault)));
     }
 
     m_build() {
@@ -60,29 +60,40 @@ export class Page {
         });
         this.m_controls = createControls(model, store, this.m_source,
             { ...this.m_exports(), help: () => help.open(), fail: (error) => this.m_fail(error) });
-        this.m_app.replaceChildren(pageHead(model), this.m_controls.element, this.m_notice.element,
+        this.m_app.replaceChildren(pageHead(model), this.m_controls.element, this.m_notices.element,
             make('main', null, stage, createSplitter(() => side.element), side.element),
             pageFoot(model), help.element);
-        this.m_chart = createChart(stage, { ...on, onRoof: (key) => this.m_toggleRoof(key) });
+        this.m_chart = createChart(stage, {
+            ...on, onRoof: (key) => this.m_toggleRoof(key),
+            onZoom: (zoom) => store.set({ zoom }),
+            onLimit: (kind) => {
+                const { without } = store.state;
+                store.set({ without: without.includes(kind) ? without.filter((other) => other !== kind)
+                    : [...without, kind] });
+            },
+        });
     }
 
     /** What saves the view; what was typed a moment ago counts. */
     m_exports() {
         const name = fileNameOf(this.m_model);
         const save = (kind, type, content) => async () => {
-            this.m_side.flush();
-            saveFile(`${name}.${kind}`, await content(), type);
+            try {
+                this.m_side.flush();
+                saveFile(`${name}.${kind}`, await content(), type);
+            } catch (error) {
+                this.m_fail(error);
+            }
         };
-        const png = save('png', 'image/png', () => this.m_chart.exportPng());
         return {
             saveSvg: save('svg', 'image/svg+xml', () => this.m_chart.exportSvg()),
-            savePng: () => png().catch((error) => this.m_fail(error)),
+            savePng: save('png', 'image/png', () => this.m_chart.exportPng()),
             saveCsv: save('csv', 'text/csv', () => this.m_side.csv()),
         };
     }
 
     m_fail(error) {
-        this.m_notice.show(error.message);
+        this.m_notices.show('action', error.message);
     }
 
     m_pin(row) {
@@ -122,7 +133,7 @@ export class Page {
             if (mine !== this.m_wanted) return;
             this.m_scene = { ...loaded, tokens: state.tokens };
             this.m_side.setScene(this.m_scene);
-            if (!this.m_isFallback) this.m_notice.hide();
+            if (!this.m_isFallback) this.m_notices.hide('load');
             this.m_isFallback = false;
             this.m_show(this.m_store.state, null);
         } catch (error) {
@@ -135,7 +146,7 @@ export class Page {
     /** After a failure what is seen stays, and the controls go on telling what it is. */
     m_fallBack(state, error) {
         const { m_store: store, m_scene: scene, m_usual: usual } = this;
-        this.m_notice.show(error.message, () =>
+        this.m_notices.show('load', error.message, () =>
             (store.state.tokens === state.tokens ? this.m_load(state) : store.set({ tokens: state.tokens })));
         if (scene) store.set({ tokens: scene.tokens });
         else if (!isSame(state.tokens, usual)) {
@@ -151,7 +162,10 @@ export class Page {
         if (differs(LIST_MEMBERS)) this.m_side.showList(state);
         this.m_side.grid.highlight(this.m_marks, differs(['pinned']));
         const isNew = differs(CHART_MEMBERS);
-        if (isNew) this.m_view = chartView(this.m_scene, state, titleOf(this.m_model));
+        if (before && differs(['zoom'])) this.m_chart.zoomTo(state.zoom);
+        if (isNew)
+            this.m_view = chartView(this.m_scene, state, titleOf(this.m_model),
+                subtitleOf(this.m_model, this.m_scene, state));
         else if (!differs(['pinned'])) return;
         const links = linksOf(this.m_pinned, this.m_view, this.m_scene.sides);
         // Without lines to draw a pin changes the emphasis alone, which is much cheaper in a large chart.
@@ -164,6 +178,7 @@ export class Page {
     async m_showPinned(state) {
         const { sides, items } = this.m_scene;
         const item = this.m_pinned = findPinned(items, state.pinned);
+        this.m_notices.hide('action');
         if (!item) return this.m_side.showDetails(null, sides, []);
         try {
             const found = await Promise.all(item.sides.map((row, at) =>

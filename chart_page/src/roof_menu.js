@@ -35,7 +35,8 @@ export function createRoofMenu(model, store, source, fail) {
                             [OTHERS]: 'off',
                         } }),
                     }, texts('page_roofs_strong_only'))),
-                source.setRoof && customRoof(side, state, roofs, source.setRoof, fail),
+                source.setRoof && roofs.length > 0
+                    && customRoof(side, state, roofs, source.setRoof, fail),
             ].filter(Boolean));
         },
     };

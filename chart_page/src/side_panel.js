@@ -3,7 +3,7 @@ import { showDetails } from './details.js';
 import { make } from './dom.js';
 import { createLists } from './lists.js';
 import { showSummary } from './summary.js';
-import { texts } from './texts.js';
+import { percent, texts } from './texts.js';
 
 const SEARCH_PAUSE = 120;  // milliseconds after the last key
 
@@ -48,6 +48,13 @@ function createLeast(store) {
     return field;
 }
 
+/** The pinned row in one line, for a screen reader. @param {import('./model.js').Item} item */
+function spokenOf({ sides }) {
+    const { name, limit, fraction } = sides.findLast(Boolean);
+    const verdict = limit ? texts('page_card_limit', limit, percent(fraction)) : texts('page_card_no_limit');
+    return texts('page_of_side', name, verdict);
+}
+
 /**
  * @param {object} model @param {ReturnType<import('./store.js').createStore>} store
  * @param {{onPin: (row: number|null) => void, onHover: (row: number|null) => void}} on
@@ -57,13 +64,14 @@ export function createSidePanel(model, store, on) {
     const focusList = () => lists.grid.element.focus();
     const { field: search, flush } = createSearch(store, focusList);
     const least = createLeast(store);
-    const details = make('section.details', { 'aria-live': 'polite', 'aria-label': texts('page_details') });
+    const details = make('section.details', { 'aria-label': texts('page_details') });
+    const told = make('p.chart-hidden', { role: 'status' });
     return {
         element: make('aside.side', { 'aria-label': texts('page_side') },
             make('div.find', null, search,
                 make('label', { title: texts('page_least_expl') }, texts('page_least'), least, '%'),
                 lists.count),
-            lists.tabs, lists.panel, make('div.lower', null, details, showSummary(model))),
+            lists.tabs, lists.panel, told, make('div.lower', null, details, showSummary(model))),
         grid: lists.grid,
         focusSearch: () => search.focus(),
         focusList,
@@ -81,6 +89,7 @@ export function createSidePanel(model, store, on) {
          * @param {Array<object|null>} found
          */
         showDetails(item, sides, found) {
+            told.textContent = item ? spokenOf(item) : '';
             details.replaceChildren(...(item ? showDetails(item, sides, found, () => on.onPin(null))
                 : [make('p.note', null, texts('page_pin_hint'))]));
         },

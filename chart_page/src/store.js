@@ -11,26 +11,39 @@
  * @property {'level'|'limit'} colourBy
  * @property {string} sort column; "" for the list's own order
  * @property {boolean} descending
- * @property {string} pinned "side:id"; "" for none
+ * @property {Array<'memory'|'compute'|'none'>} without kinds of limits whose rows are left out
+ * @property {string} zoom "x,y,width" of what the chart shows, decimal logarithms; "" for the whole
+ * @property {string} pinned "side:hash:id"; "" for none
  * @property {string} list of the side panel
  */
 
 /** @type {State} */
 const START = {
     tokens: [], setUp: '', roofs: {}, machine: 0, search: '', least: 0, colourBy: 'limit', sort: '',
-    descending: true,
+    descending: true, without: [], zoom: '',
     pinned: '', list: '',
 };
 
 const ROOF_STATES = ['strong', 'thin', 'off'];
+const LIMIT_KINDS = ['memory', 'compute', 'none'];
+
+/** A part of an address as it was before encodeURIComponent; nothing of one that can't be such. */
+function decoded(text) {
+    try {
+        return decodeURIComponent(text);
+    } catch {
+        return '';
+    }
+}
 
 /** How each member travels in the address; a member that isn't here doesn't. */
 const CODECS = {
     tokens: { write: (v) => v.join('-'), read: (t) => t.split('-').filter(Boolean) },
     setUp: { write: String, read: String },
     roofs: {
-        write: (v) => Object.entries(v).map(([key, how]) => `${key}:${how}`).join(','),
-        read: (t) => Object.fromEntries(t.split(',').map((pair) => pair.split(':'))
+        // A roof may have any name.
+        write: (v) => Object.entries(v).map(([key, how]) => `${encodeURIComponent(key)}:${how}`).join(','),
+        read: (t) => Object.fromEntries(t.split(',').map((pair) => pair.split(':').map(decoded))
             .filter(([key, how]) => key && key !== '__proto__' && ROOF_STATES.includes(how))),
     },
     machine: { write: String, read: (t) => (t === '1' ? 1 : 0) },
@@ -39,6 +52,11 @@ const CODECS = {
     colourBy: { write: String, read: (t) => (t === 'level' ? 'level' : 'limit') },
     sort: { write: String, read: String },
     descending: { write: (v) => (v ? '1' : '0'), read: (t) => t !== '0' },
+    without: {
+        write: (v) => v.join(),
+        read: (t) => LIMIT_KINDS.filter((kind) => t.split(',').includes(kind)),
+    },
+    zoom: { write: String, read: String },
     pinned: { write: String, read: String },
     list: { write: String, read: String },
 };
@@ -76,8 +94,12 @@ export function createStore(defaults) {
     const show = (/** @type {State|null} */ before) => views.forEach((view) => view(state, before));
     const remember = () => {
         const hash = writeHash(state, start);
-        // Not location.hash: a view shouldn't fill the history with each key of a search.
-        history.replaceState(null, '', hash ? `#${hash}` : location.pathname + location.search);
+        try {
+            // Not location.hash: a view shouldn't fill the history with each key of a search.
+            history.replaceState(null, '', hash ? `#${hash}` : location.pathname + location.search);
+        } catch {
+            // Some browsers refuse more than so many in a while: the next change takes this one with it.
+        }
     };
     addEventListener('hashchange', () => {
         const before = state;

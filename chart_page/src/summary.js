@@ -16,7 +16,7 @@ export function showSummary(model) {
 function programSummary(result, title) {
     const { summary, threads } = result;
     const facts = [
-        result.machine, result.place,
+        result.machine, result.place, result.isProjected && texts('page_projected'),
         threads?.physicalCoreCount && texts('page_cores', threads.physicalCoreCount,
             threads.processorPackageCount),
         result.file,
@@ -52,7 +52,7 @@ function metricTable({ metrics, roofs }) {
                 .map((child) => described(child, `${child.caption}: ${number(child.value)}`));
             return [
                 [
-                    make(`span${metric.isDominatingOps ? '.nearest' : ''}`,
+                    make(`span${metric.isDominatingOps ? '.chief' : ''}`,
                         { title: plain(metric.description ?? '') },
                         plain(metric.caption)),
                     value(metric, roof?.measure),

@@ -33,6 +33,7 @@ export function rowColumns(side, axes) {
             expl: texts('page_column_performance_expl', measureY),
         }),
         figure('speed_up', 80, (item) => row(item).speedUp),
+        own('gain', 80),
         ...nearestColumns(side, row),
         ...others,
         own('calls', 84),

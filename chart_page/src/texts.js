@@ -40,8 +40,11 @@ export function number(value) {
     return Number(value.toPrecision(DIGITS)).toString();
 }
 
-/** Whether it is more than all of something, rounding aside. @param {number|null|undefined} fraction */
-export const isAbove = (fraction) => fraction > 1 + 1e-9;
+/**
+ * Whether it is more than all of something, aside of what six digits round away.
+ * @param {number|null|undefined} fraction
+ */
+export const isAbove = (fraction) => fraction > 1 + 1e-5;
 
 /**
  * A fraction in percent; more than all of something is marked, since it tells of wrong data.

@@ -2,6 +2,7 @@
 #include "cli/page/page_file.h"
 
 #include "cli/page/model.h"
+#include "cli/page/texts.h"
 #include "cli/text.h"
 
 #include <boost/algorithm/string/replace.hpp>
@@ -71,6 +72,9 @@ std::string makePage(const Resources& resources, const PageFrame& frame, const s
         {"{{CSP}}", policyOf(resources, frame.isServed)},
         {"{{LANGUAGE}}", escapeXml(cleanText(frame.language.empty() ? "en" : frame.language))},
         {"{{TITLE}}", escapeXml(cleanText(frame.title))},
+        {"{{NEEDS}}", escapeXml(say("page_boot_needs", "This page needs JavaScript.", {}))},
+        {"{{OLD}}", escapeXml(say("page_boot_old", "This browser is too old for the page.", {}))},
+        {"{{FAULT}}", escapeXml(say("page_boot_fault", "The page can't show its data: %1", {"%1"}))},
         {"{{MODEL}}", base64(deflated(model))}};
     // One pass from front to back: no value is looked through for the next place.
     const auto html = join(resources.html);

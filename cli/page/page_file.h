@@ -12,7 +12,7 @@ namespace cli::page {
 // Texts in pieces, as compilers limit the length of a literal.
 using Pieces = std::vector<std::string_view>;
 struct Resources {
-    Pieces html;    // holds {{CSP}}, {{LANGUAGE}}, {{TITLE}}, {{MODEL}}, and style and script as they are
+    Pieces html;    // holds the places that `makePage` fills, such as {{TITLE}}, and style and script
     Pieces policy;  // of scripts and styles: the hashes of those that the page holds
 };
 

@@ -14,6 +14,7 @@ namespace cli::page {
 namespace {
 
 constexpr std::size_t kDetailsAtOnce = 50;
+const std::string kNoDetails = "null";  // of a row of which the library tells nothing
 
 std::string lower(std::string_view text) {
     std::string result(text);
@@ -63,8 +64,7 @@ std::string Result::details(const std::string& id) const {
     const auto place = m_rows.places.find(id);
     if (place == m_rows.places.end()) throw UsageError(fmt::format("there is no row '{}'", id));
     const auto found = readDetails(m_session, m_rows, {place->second});
-    if (found.empty()) throw std::runtime_error(fmt::format("the library tells nothing of row {}", id));
-    return found.begin()->second;
+    return found.empty() ? kNoDetails : found.begin()->second;
 }
 
 void Result::writeRoofs(Writer& writer, const std::string& operations) const {
@@ -110,7 +110,7 @@ void Result::writeHead(Writer& writer, Dictionary& dictionary) const {
     const auto& engine = *m_session.engine;
     const auto& kind = *m_session.kind;
     const auto& models = m_session.models;
-    writer.member("program", models.all->getProgramInfo().name);
+    writer.member("program", programOf(m_session, m_file));
     writer.member("file", m_file);
     writer.member("machine", m_session.result->machineName());
     writer.member("place", say(kind.place(threadingOf(m_session, {}), models)));
@@ -119,6 +119,9 @@ void Result::writeHead(Writer& writer, Dictionary& dictionary) const {
     writer.Bool(m_session.result->isProjected());
     writer.key("hasSummary");
     writer.Bool(models.survey != nullptr);
+    const auto seconds = models.all->getProgramInfo().elapsedTime;
+    writer.key("seconds");
+    writer.number(seconds > 0 ? std::optional(seconds) : std::nullopt);
     const auto frame = engine.getReportTemplate(nullptr);
     writer.key("template");
     writer.rounded(frame.empty() ? "{}" : frame);
@@ -171,9 +174,11 @@ std::vector<std::pair<std::string, std::string>> Result::longestDetails(std::siz
         const std::vector<std::size_t> some(places.begin() + static_cast<std::ptrdiff_t>(from),
                                             places.begin() + static_cast<std::ptrdiff_t>(to));
         auto found = readDetails(m_session, m_rows, some);
-        for (const auto place : some)
-            if (const auto each = found.find(m_rows.lines[place].id); each != found.end())
-                details.emplace_back(each->first, std::move(each->second));
+        for (const auto place : some) {
+            const auto& id = m_rows.lines[place].id;
+            const auto each = found.find(id);
+            details.emplace_back(id, each == found.end() ? kNoDetails : std::move(each->second));
+        }
     }
     return details;
 }

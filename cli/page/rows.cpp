@@ -138,6 +138,7 @@ void writeRows(Writer& writer, const Rows& rows, Dictionary& dictionary) {
         column("doubt", [&](const RowLine& line) {
             dictionary.writeIndex(writer, translateWords("doubt", line.doubt));
         });
+        column("withCallees", [&](const RowLine& line) { writer.Bool(line.doubt == kWithCallees); });
     });
 }
 

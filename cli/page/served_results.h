@@ -32,6 +32,8 @@ public:
     void lookAgain();
     void close();
 
+    // Of the page that was published last.
+    int version() const { return m_version; }
     // `index` 0, or 1 of a comparison.
     const Result& at(std::size_t index) const { return m_results.at(index); }
 

@@ -18,6 +18,7 @@
 #include <chrono>
 #include <functional>
 #include <future>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -283,6 +284,8 @@ void Server::Impl::ask(Connection& connection, std::function<std::string()> job,
     const auto run = [tell, job = std::move(job), statuses] {
         try {
             tell({status::ok, std::make_shared<const std::string>(job())});
+        } catch (const Refusal& refusal) {
+            tell(refusal.reply());
         } catch (const UsageError& error) {
             tell(Refusal{statuses.ofUsage, error.what()}.reply());
         } catch (const std::exception& error) {
@@ -298,7 +301,13 @@ void Server::Impl::askResult(const Query& query, Connection& connection, status 
     const auto& result = query.value("result");
     if (result != "0" && !(m_served.isComparison && result == "1"))
         refuse(status::bad_request, m_served.isComparison ? "result: expected 0 or 1" : "result: expected 0");
-    auto job = [&results = m_served.results, index = result == "1" ? 1U : 0U, askOne = std::move(askOne)] {
+    const auto version =
+        query.has("version") ? std::optional(wholeNumber("version", query.value("version"))) : std::nullopt;
+    auto job = [&results = m_served.results, version, index = result == "1" ? 1U : 0U,
+                askOne = std::move(askOne)] {
+        // Rows of other versions don't fit together.
+        if (version && *version != results.version())
+            refuse(status::conflict, fmt::format("version: {} is shown now", results.version()));
         return askOne(results.at(index));
     };
     ask(connection, std::move(job), {ofUsage, status::internal_server_error});

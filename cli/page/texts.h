@@ -10,7 +10,7 @@
 
 namespace cli::page {
 
-// The object of all messages whose ids begin with "page_", their arguments as "%1" to "%3".
+// The object of the page's own messages by id, their arguments as "%1" to "%3".
 void writeTexts(Writer& writer);
 // The id "page_" + `kind` + "_" + `words` in lower case, everything but letters and digits as "_".
 std::string messageOf(std::string_view kind, const std::string& words);

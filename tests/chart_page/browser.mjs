@@ -27,13 +27,20 @@ export async function closeBrowser() {
     rmSync(folder, { recursive: true, force: true });
 }
 
-/** A page of its own for a test; mayAsk tells of a request that is right. */
-export async function openPage(t, address, mayAsk = (asked) => asked.split('#')[0] === address) {
+/**
+ * A page of its own for a test; mayAsk tells of a request that is right, mayFail of a status that is
+ * expected.
+ */
+export async function openPage(t, address, mayAsk = (asked) => asked.split('#')[0] === address,
+    mayFail = () => false) {
     const context = await browser.newContext({ viewport: { width: 1400, height: 900 },
         reducedMotion: 'reduce' });
     const page = await context.newPage();
     const complaints = [];
-    page.on('console', (message) => complaints.push(message.text()));
+    page.on('console', (message) => {
+        const [, status] = /status of (\d+)/.exec(message.text()) ?? [];
+        if (!mayFail(Number(status))) complaints.push(message.text());
+    });
     page.on('pageerror', (error) => complaints.push(String(error)));
     page.on('dialog', (dialog) => complaints.push(dialog.message()) && dialog.dismiss());
     page.on('request', (request) =>

@@ -11,6 +11,17 @@ import {
 
 after(closeBrowser);
 
+/** A copy of an example and of its machine, whose file keeps the reader's own roofs. */
+function copied(name) {
+    const result = JSON.parse(readFileSync(example('four_levels/result.json'), 'utf8'));
+    const file = join(folder, `${name}.json`);
+    result.machine = join(folder, `${name}-machine.json`);
+    copyFileSync(example('two_compilers/machine.json'), result.machine);
+    const write = () => writeFileSync(file, JSON.stringify(result));
+    write();
+    return { result, file, write };
+}
+
 /** The address at which the program serves a result, once it says so. */
 async function serve(file) {
     const server = spawn(program, ['serve', file, '--port', '0'], { stdio: ['ignore', 'pipe', 'pipe'] });
@@ -25,13 +36,7 @@ async function serve(file) {
 }
 
 test('a served page asks for what is chosen, sets roofs and follows its result', async (t) => {
-    const result = JSON.parse(readFileSync(example('four_levels/result.json'), 'utf8'));
-    const file = join(folder, 'served.json');
-    // A copy: roofs of the reader's own are kept beside the machine's file.
-    result.machine = join(folder, 'machine.json');
-    copyFileSync(example('two_compilers/machine.json'), result.machine);
-    const write = () => writeFileSync(file, JSON.stringify(result));
-    write();
+    const { result, file, write } = copied('served');
     const model = JSON.parse(execFileSync(program, ['report', file, '--json', '-'], { stdio: 'pipe' }));
     const placed = (...configurations) => placedRows(model.results[0], ...configurations);
     const { server, address } = await serve(file);
@@ -64,8 +69,47 @@ test('a served page asks for what is chosen, sets roofs and follows its result',
     }), '140.5 GB/s');
     assert.equal(await submit(() => page.click('[data-focus=own-clear]')), before);
 
+    const { FunctionName: name } = result.rows[0].cells;
+    await page.locator('.grid-row').nth((await listedNames(page)).indexOf(name)).click();
+    await page.waitForFunction((wanted) => document.querySelector('.details h2')?.textContent === wanted,
+        name);
+    writeFileSync(file, '{');
+    const fault = page.locator('.notice', { hasText: 'served.json' });
+    await fault.waitFor();
+    await page.locator('.segments button', { hasText: /^Integer$/ }).click();
+    await settled(placed('i-1-L1-all', 'i-1-DRAM-all').length);
+    assert.equal(await fault.count(), 1, 'what loads is another matter');
+
     result.rows[0].cells.FunctionName = 'renamed';
     await Promise.all([page.waitForEvent('load'), write()]);
     await page.waitForSelector('.grid-row');
     assert.ok((await listedNames(page)).includes('renamed'));
+    assert.equal(await page.locator('.details h2').count(), 0, 'the pin was of another row');
+});
+
+test('a page that hears of no change says so, and loads again once it asks', async (t) => {
+    const { result, file, write } = copied('unheard');
+    const { server, address } = await serve(file);
+    t.after(() => server.kill());
+    const page = await openPage(t, address, (asked) => asked.startsWith(address),
+        (status) => [409, 503].includes(status));
+    await page.route('**/events*', (route) => route.fulfill({ status: 503, body: '{}' }));
+    await page.reload();
+    const lost = page.locator('.notice', { hasText: 'connection' });
+    await lost.waitFor();
+    const choose = (caption) => page.locator('.segments button', { hasText: caption }).click();
+    await choose(/^DRAM$/);
+    await page.waitForURL(/tokens=f-1-L1-DRAM/);
+    await page.waitForSelector('#app:not([aria-busy])');
+    assert.equal(await lost.count(), 1);
+
+    const served = async () => (await fetch(address)).text();
+    const before = await served();
+    result.rows[0].cells.FunctionName = 'renamed';
+    write();
+    while (await served() === before) await new Promise((done) => setTimeout(done, 100));
+    await Promise.all([page.waitForEvent('load'), choose(/^Integer$/)]);
+    await page.waitForSelector('.grid-row');
+    assert.ok((await listedNames(page)).includes('renamed'));
+    assert.match(page.url(), /tokens=i-1-L1-DRAM/);
 });

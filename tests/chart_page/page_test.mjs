@@ -8,6 +8,7 @@ import {
     readPoints,
 } from './browser.mjs';
 import { shortName } from '../../chart_page/src/short_name.js';
+import { readHash, writeHash } from '../../chart_page/src/store.js';
 
 const LEVELS = example('four_levels/result.json');
 const NEAR = 0.75;  // pixels: ticks are read to tenths
@@ -25,12 +26,12 @@ async function saved(page, kind) {
     return readFileSync(await download.path());
 }
 
-/** A copy of an example whose rows were changed. */
-function changed(name, change) {
-    const result = JSON.parse(readFileSync(example(name), 'utf8'));
-    change(result);
+/** A copy of an example that was changed; machine: of a result. */
+function changed(name, change, machine = example('two_compilers/machine.json')) {
+    const content = JSON.parse(readFileSync(example(name), 'utf8'));
+    change(content);
     const file = join(folder, name.replaceAll('/', '-'));
-    writeFileSync(file, JSON.stringify({ ...result, machine: example('two_compilers/machine.json') }));
+    writeFileSync(file, JSON.stringify(machine ? { ...content, machine } : content));
     return file;
 }
 
@@ -136,13 +137,20 @@ test('the saved pictures and table hold what is seen', async (t) => {
     for (const { name } of result.roofs.f.asRun.filter(({ isMem }) => isMem)) assert.ok(svg.includes(name));
     assert.equal((await saved(page, 'png')).subarray(1, 4).toString(), 'PNG');
 
+    assert.ok(svg.includes(result.machine) && svg.includes(`roofs: ${result.place}`));
     const csv = (await saved(page, 'csv')).toString().trimEnd();
+    assert.ok(csv.startsWith('\ufeff'));
     const [head, ...lines] = csv.split('\r\n').map((line) => line.split(','));
     assert.equal(lines.length, result.rows.id.length);
     for (const line of lines)
         for (const [caption, member] of [['Share [fraction]', 'share'], ['Speed-up', 'speedUp']])
             assert.equal(Number(line[head.indexOf(caption)]),
                 result.rows[member][result.rows.name.indexOf(line[0])] ?? 0);
+    const gains = lines.map((line) => ['Time [s]', 'Speed-up', 'To gain [s]']
+        .map((caption) => Number(line[head.indexOf(caption)])));
+    assert.ok(gains.some(([, , gain]) => gain > 0));
+    for (const [time, speedUp, gain] of gains)
+        assert.ok(Math.abs((speedUp > 1 ? time * (1 - 1 / speedUp) : 0) - gain) < 1e-4 * time);
 });
 
 test('names stay text, whatever they hold', async (t) => {
@@ -206,6 +214,89 @@ test('a verdict of more than the point says so in card, details and table', asyn
     await page.fill('#search', rows.name[row]);  // counts at once
     const csv = (await saved(page, 'csv')).toString().trimEnd().split('\r\n');
     assert.deepEqual([csv.length, csv[1].split(',')[csv[0].split(',').indexOf('Remark')]], [2, doubt]);
+});
+
+test('threads and packages of the roofs change one by one, from those of the run on', async (t) => {
+    const machine = changed('quick/machine.json', (content) => (content.packages = 2), '');
+    const { page } = await openReport(t, changed('quick/result.json', () => {}, machine));
+    const choices = () => page.$$eval('.controls select', (all) => all
+        .map(({ selectedOptions: [option] }) => option.textContent));
+    assert.deepEqual(await choices(), ['as run (8)', 'as run']);
+    for (const [field, value, expected] of [['packages', '2', ['8', '2']], ['threads', '4', ['4', '2']],
+        ['packages', '1', ['4', '1']], ['threads', '', ['as run (8)', 'as run']],
+        ['threads', '2', ['2', '1']]]) {
+        await page.selectOption(`[data-focus=${field}]`, value);
+        assert.deepEqual(await choices(), expected);
+    }
+});
+
+test('a few points far from all others are told at the edge, until they are asked for', async (t) => {
+    const { page } = await openReport(t, example('two_compilers/gcc.json'));
+    const more = page.locator('.chart-more:visible');
+    const width = Number(await page.getAttribute('.plot-frame', 'width'));
+    const beyond = async () => (await readPoints(page)).filter(({ x }) => x > width).length;
+    assert.deepEqual(await more.allTextContents(), ['3 more \u2192']);
+    assert.equal(await beyond(), 3);
+    await more.click();
+    await more.waitFor({ state: 'hidden' });
+    assert.equal(await beyond(), 0);
+});
+
+test('the legend leaves kinds of limits out, and the address keeps that with the zoom', async (t) => {
+    const { page, model: { results: [{ rows }] } } = await openReport(t, example('two_compilers/gcc.json'));
+    await page.locator('[data-kind=compute]').press('Enter');
+    await page.waitForSelector('[data-kind=compute][aria-pressed=false]:focus');
+    for (const { row, faint } of await readPoints(page))
+        assert.equal(faint, rows.limitKind[row] === 'compute');
+    const count = rows.limitKind.filter((kind) => kind !== 'compute').length;
+    assert.equal(await page.locator('.count').textContent(), `rows: ${count} of ${rows.id.length}`);
+    await page.click('.chart-buttons button');
+    await page.waitForURL(/without=compute&zoom=/);
+    const shown = await readPoints(page);
+    await page.reload();
+    await page.waitForSelector('.points > path');
+    assert.deepEqual(await readPoints(page), shown);
+});
+
+test('a row that takes all of the time is no mark of wrong data', async (t) => {
+    const { page } = await openReport(t, changed('quick/result.json', ({ program }) => {
+        program.elapsedTime = 5.64;  // of main with all that it calls
+    }, example('quick/machine.json')));
+    await press(page, 'With call stacks');
+    await page.locator('.grid-row', { hasText: /^main/ }).locator('.cell', { hasText: /^100 %$/ }).waitFor();
+});
+
+test('a level that the new result lacks leaves it without points, and the lane says why', async (t) => {
+    const { page, model: { results: [base] } } = await openReport(t, LEVELS, '--compare',
+        changed('four_levels/result.json', (result) => {
+            result.levels = ['L1', 'L2', 'DRAM'];
+            for (const { cells } of result.rows)
+                for (const name of Object.keys(cells)) if (name.includes('L3')) delete cells[name];
+        }));
+    await press(page, 'L3');
+    await page.locator('.grid-row').first().click();
+    await page.locator('.details .figures th', { hasText: /^L1: OP\/byte$/ }).waitFor();
+    await press(page, 'L1');
+    const keys = await page.$$eval('.points > path', (paths) => paths.map((path) => path.dataset.key));
+    assert.equal(keys.length, placedRows(base, 'f-1-L3-all').length);
+    assert.ok(keys.every((key) => key.startsWith('0:')));
+    await page.locator('.lane-caption', { hasText: /^\d+ memory level not measured$/ }).waitFor();
+});
+
+test('times from a model are said to be so, measured ones are not', async (t) => {
+    for (const [name, isProjected] of [['projected', true], ['measured', false]]) {
+        const { page } = await openReport(t, example(`offload_v100/${name}.json`));
+        const head = await page.locator('header.top').textContent();
+        assert.equal(head.includes('projected by a model'), isProjected, head);
+    }
+});
+
+test('any state comes back from the address', () => {
+    const state = { ...readHash('tokens=f&setUp=&machine=0&search=&least=0&colourBy=level&sort=&descending=1'
+        + '&pinned=&list=&zoom=1,2,3'), roofs: { 'a:b, %c': 'off', '\u00fc': 'strong' }, without: ['none'] };
+    const start = Object.fromEntries(Object.keys(state)
+        .map((key) => [key, Array.isArray(state[key]) ? [] : '']));
+    assert.deepEqual({ ...state, ...readHash(`#${writeHash(state, { ...start, roofs: {} })}`) }, state);
 });
 
 test('arrow keys choose among options, and sorting by key keeps the focus', async (t) => {

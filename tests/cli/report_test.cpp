@@ -240,6 +240,23 @@ TEST_F(Report, EnduresHostileResults) {
     EXPECT_STREQ(holder["dictionary"][cause].GetString(), "no float operations");
 }
 
+TEST_F(Report, TellsTheProgramBehindItsRows) {
+    const auto model = reportOf({file("nameless.json", resultText(R"({"id": 1, "kind": "loop", "cells": {
+        "SelfElapsedTime": 1, "SelfFloatOps": 1, "SelfMemL1": 1}})"))});
+    EXPECT_STREQ(model["results"][0]["program"].GetString(), "nameless");
+    const auto calls = json::parse(modelText(open(kQuick)), "the model");
+    const auto& holder = calls["results"][0];
+    const auto &rows = holder["rows"], &doubts = rows["doubt"];
+    EXPECT_NEAR(rows["time"][0].GetDouble() / rows["share"][0].GetDouble(), holder["seconds"].GetDouble(),
+                1e-3);
+    for (rapidjson::SizeType row = 0; row < doubts.Size(); ++row)
+        EXPECT_EQ(
+            rows["withCallees"][row].GetBool(),
+            !doubts[row].IsNull() &&
+                kWithCallees == std::string_view(holder["dictionary"][doubts[row].GetUint()].GetString()))
+            << row;
+}
+
 std::string inflated(const std::string& bytes, std::size_t size) {
     std::string text(size, '\0');
     auto length = static_cast<uLongf>(size);
@@ -289,8 +306,10 @@ TEST_F(Report, IsOneFile) {
     EXPECT_THAT(written.err, HasSubstr("a.html (15 rows, 72 charts, details of 15 rows)"));
     const auto page = embedded_host::readFile(path("a.html"));
     EXPECT_THAT(page, HasSubstr("<title>heat</title>"));
-    for (const auto* const left : {"{{CSP}}", "{{LANGUAGE}}", "{{TITLE}}", "{{MODEL}}", "{{STYLE}}",
-                                   "{{SCRIPT}}", "src=\"http", "href=\"http"})
+    EXPECT_THAT(page, HasSubstr("data-fault=\"The page can&#39;t show its data: %1\""));
+    for (const auto* const left :
+         {"{{CSP}}", "{{LANGUAGE}}", "{{TITLE}}", "{{MODEL}}", "{{STYLE}}", "{{SCRIPT}}", "{{NEEDS}}",
+          "{{OLD}}", "{{FAULT}}", "src=\"http", "href=\"http"})
         EXPECT_EQ(page.find(left), std::string::npos) << left;
     expectRefused({"report", kQuick, "-o", path("a.html")}, kNoAnswer, "exists");
     EXPECT_EQ(run({"report", kQuick, "-o", path("a.html"), "--force"}).code, kDone);

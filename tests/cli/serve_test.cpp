@@ -99,6 +99,7 @@ TEST_F(Serve, TurnsStrangersAndNonsenseAway) {
         {under("events?version=1x"), {}, 400},
         {under("chart?result=0&config=f-1-L9-all"), {}, 400},
         {under("chart?result=0"), {}, 400},
+        {under("chart?result=0&config=f-1-L1-all&version=x"), {}, 400},
         {under("chart?result=1&config=f-1-L1-all"), {}, 400},
         {under("roofs?result=0&operations=%3Cb%3E%ff"), {}, 400},
         {under("details?result=0&id=" + std::string(300, '1')), {}, 400},
@@ -246,6 +247,10 @@ TEST_F(Serve, TellsChangesFaultsAndItsEnd) {
     file("result.json", changed);
     for (const auto& tab : tabs) EXPECT_THAT(tab->waitFor("data: 2"), HasSubstr("event: changed"));
     EXPECT_THAT(get("").body, HasSubstr("<title>other_"));
+    for (const auto* const path :
+         {"chart?result=0&config=f-1-L1-all", "roofs?result=0&operations=f", "details?result=0&id=6"})
+        for (const auto& [version, status] : {std::pair("", 200), {"&version=2", 200}, {"&version=1", 409}})
+            EXPECT_EQ(get(std::string(path) + version).status, status) << path << version;
     Listener late(live->port(), under("events?version=1"));
     EXPECT_THAT(late.waitFor("data: 2"), HasSubstr("event: changed")) << "changed since its page was read";
 

@@ -44,6 +44,12 @@ class InteractiveChart {
         this.m_zoom = new Zoom(stage.pane, {
             onChange: () => this.m_schedule(),
             onMoving: (moving) => this.m_setMoving(moving),
+            onRest: (text) => callbacks.onZoom(text),
+        });
+        stage.onMore(() => {
+            this.m_zoom.reset(true);
+            this.m_draw();
+            stage.svg.focus();
         });
         stage.addButton('page_chart_zoom_in', '+', () => this.m_zoom.scale(BUTTON_ZOOM));
         stage.addButton('page_chart_zoom_out', '\u2212', () => this.m_zoom.scale(1 / BUTTON_ZOOM));
@@ -117,7 +123,8 @@ class InteractiveChart {
     m_layOut() {
         const { whole, left } = this.m_stage;
         if (!this.m_view || whole.width === 0 || whole.height === 0) return;
-        const legend = drawLegend(this.m_stage.legend, this.m_view, ...this.m_stage.legendWidth);
+        const { legend: group, legendWidth } = this.m_stage;
+        const legend = drawLegend(group, this.m_view, ...legendWidth, this.m_callbacks.onLimit);
         this.m_stage.place(legend, this.m_lane.height);
         this.m_lane.draw(left, whole.height - this.m_lane.height, this.m_stage.size.width);
         this.m_zoom.resize(this.m_stage.size);
@@ -133,6 +140,7 @@ class InteractiveChart {
         this.m_frame = 0;
         if (!this.m_view) return;
         this.m_layers.draw(this.m_zoom.map, !this.m_moving, this.m_pinned);
+        this.m_stage.showMore(this.m_zoom.unseen, this.m_view.texts);
         this.m_emphasise();
     }
 
@@ -213,16 +221,28 @@ class InteractiveChart {
         this.m_draw();
     }
 
+    /** @param {string} zoom as onZoom has told it */
+    zoomTo(zoom) {
+        this.m_zoom.show(zoom);
+    }
+
     m_picture() {
         this.m_setMoving(false);
         this.m_draw();
-        const { parts, whole, size } = this.m_stage;
-        return standaloneSvg({
+        // The cursor isn't part of it.
+        this.m_layers.emphasise(null, this.m_pinned);
+        this.m_lane.mark(null, this.m_pinned);
+        const { parts, notes, whole, size } = this.m_stage;
+        const picture = standaloneSvg({
             parts,
+            notes,
             size: whole,
             title: this.m_view?.title ?? '',
+            subtitle: this.m_view?.subtitle ?? '',
             unseen: this.m_points.outside(size),
         });
+        this.m_emphasise();
+        return picture;
     }
 
     exportSvg() {
@@ -230,6 +250,6 @@ class InteractiveChart {
     }
 
     exportPng() {
-        return toPng(this.m_picture(), PNG_SCALE);
+        return toPng(this.m_picture(), PNG_SCALE, this.m_view?.texts('page_picture_failed') ?? '');
     }
 }

@@ -7,6 +7,7 @@ import { px, shorten, svg, textWidth, visible } from './dom.js';
 
 const LINE = 20; // pixels
 const MOST_LINES = 3;
+const MOST_LISTED = 500; // rows in an opened list
 const STEP = 12; // from mark to mark
 const TITLE_SIZE = 11;
 const TITLE_GAP = 8;
@@ -180,12 +181,15 @@ export class Lane {
             'aria-label': this.m_texts('page_chart_close'),
             onclick: () => this.close(),
         }, '\u00d7');
-        const entries = make('ul', null, ...rows.map((entry) => make('li', null, make('button', {
+        const more = rows.length - MOST_LISTED;
+        const listed = rows.slice(0, MOST_LISTED).map((entry) => make('li', null, make('button', {
             type: 'button',
             title: entry.cause,
             'data-unplaced': entry.row,
             onclick: () => this.m_onPin(entry.row),
-        }, visible(entry.name)))));
+        }, visible(entry.name))));
+        const entries = make('ul', null, ...listed,
+            more > 0 && make('li', null, this.m_texts('page_chart_more', more)));
         this.m_list.replaceChildren(
             make('div.chart-list-head', null, make('strong', null, caption), close),
             entries,

@@ -1,10 +1,11 @@
-// Tells what shapes, colours and sizes mean; only those that occur in the view.
+// Tells what shapes, colours and sizes mean; only those that occur in the view. Kinds of limits are buttons
+// that leave their rows out.
 import { svg, textWidth, translate } from './dom.js';
 import { hasHole, LEAST_SHARE, levelSlots, limitInk, outline, radiusOf } from './marks.js';
 import { arrowPath, CHANGES, TOTAL } from './overlays.js';
 
 /** @typedef {import('./view.js').View} View */
-/** @typedef {{mark: Node, width: number, text: string}} Item width: of the mark */
+/** @typedef {{mark: Node, width: number, text: string, kind?: string}} Item width: of the mark */
 
 const LINE = 24; // pixels; room for the largest of the sizes
 const GAP = 18;
@@ -50,17 +51,20 @@ function levelItems(view) {
 
 /** @param {View} view @returns {Item[]} */
 function limitItems(view) {
-    if (view.colourBy !== 'limit') return [];
+    const isByLimit = view.colourBy === 'limit';
+    if (!isByLimit && !view.without.length) return [];
     const slots = [...levelSlots(view).values()];
     return /** @type {const} */ (['memory', 'compute', ''])
-        .filter((kind) => view.points.some((point) => point.limitKind === kind))
-        .map((kind) =>
-            pointItem(
-                limitInk(kind),
+        .filter((kind) => view.points.some((point) => point.limitKind === kind)
+            || view.without.includes(kind || 'none'))
+        .map((kind) => ({
+            ...pointItem(
+                isByLimit ? limitInk(kind) : 'ink-neutral',
                 slots.length === 1 ? slots[0] : 0,
                 view.texts(`page_chart_legend_${kind || 'no_limit'}`),
             ),
-        );
+            kind: kind || 'none',
+        }));
 }
 
 /** @param {View} view @returns {Item[]} */
@@ -117,15 +121,37 @@ const makeItems = (view) => [
 ];
 
 /**
+ * An entry as a button that is pressed while its rows are shown.
+ * @param {Item} item @param {View} view @param {Node[]} parts @param {(kind: string) => void} onLimit
+ */
+function filterButton({ kind = '', text }, view, parts, onLimit) {
+    const isOut = view.without.some((other) => other === kind);
+    const button = svg('g', {
+        class: isOut ? 'legend-button out' : 'legend-button', 'data-kind': kind, role: 'button', tabindex: 0,
+        'aria-pressed': !isOut, 'aria-label': text,
+    }, svg('title', {}, view.texts('page_chart_legend_filter')), ...parts);
+    button.addEventListener('click', () => onLimit(kind));
+    button.addEventListener('keydown', (/** @type {KeyboardEvent} */ event) => {
+        if (event.key !== 'Enter' && event.key !== ' ') return;
+        event.preventDefault();
+        event.stopPropagation();
+        onLimit(kind);
+    });
+    return button;
+}
+
+/**
  * Fills the group and tells its height.
  * @param {SVGGElement} group
  * @param {View} view
  * @param {number} width pixels
  * @param {number} taken pixels at the right of the first line
+ * @param {(kind: string) => void} onLimit a kind of limits was pressed
  * @returns {number} pixels
  */
-export function drawLegend(group, view, width, taken) {
+export function drawLegend(group, view, width, taken, onLimit) {
     const items = makeItems(view);
+    const focused = group.querySelector(':focus-visible')?.getAttribute('data-kind');
     let [x, middle] = [0, LINE / 2];
     const parts = items.flatMap((item) => {
         const needed = item.width + 6 + textWidth(item.text);
@@ -133,7 +159,7 @@ export function drawLegend(group, view, width, taken) {
         if (x > 0 && x + needed > room) [x, middle] = [0, middle + LINE];
         const left = x;
         x += needed + GAP;
-        return [
+        const drawn = [
             svg('g', { transform: translate(left + item.width / 2, middle) }, item.mark),
             svg(
                 'text',
@@ -141,7 +167,12 @@ export function drawLegend(group, view, width, taken) {
                 item.text,
             ),
         ];
+        if (!item.kind) return drawn;
+        const place = { x: left - 4, y: middle - LINE / 2 + 1, width: needed + 8, height: LINE - 2, rx: 4 };
+        const hit = svg('rect', { class: 'legend-hit', ...place });
+        return [filterButton(item, view, [hit, ...drawn], onLimit)];
     });
     group.replaceChildren(...parts);
+    if (focused) /** @type {any} */ (group.querySelector(`[data-kind=${focused}]`))?.focus();
     return items.length ? middle + LINE / 2 : 0;
 }

@@ -19,26 +19,30 @@ const PROPERTIES = {
     'font-size': '', // '': that of the whole picture
 };
 const INTERNAL = /^(class|tabindex|role|aria-.*|data-.*|focusable)$/;
-const DROPPED = '.roof-hits, .catch';
+const DROPPED = '.roof-hits, .catch, .legend-hit, .legend-button > title';
 // Characters that names may hold and XML may not, half surrogate pairs among them.
 const NO_XML = /[\u0000-\u0008\u000b\u000c\u000e-\u001f\ufffe\uffff]|\p{Surrogate}/gu;
 const HEAD = 34; // pixels above the chart for the title
 const EDGE = 14; // beside it
+const SUBTITLE = 18; // more for the line below it
 const TITLE_SIZE = 17;
 
 /** @typedef {{text: string, width: number, height: number}} Picture */
+/** @typedef {{text: string, x: number, y: number}} Note its middle, pixels */
 /**
  * @typedef {object} Layers what a picture is made of
  * @property {{source: SVGSVGElement, place?: Record<string, string>}[]} parts the lowest first
+ * @property {Note[]} notes above the parts
  * @property {{width: number, height: number}} size pixels
  * @property {string} title above the chart
+ * @property {string} subtitle below the title; ""
  * @property {Set<Element>} unseen elements that are left out
  */
 
 /** @param {Layers} layers @returns {Picture} */
-export function standaloneSvg({ parts, size, title, unseen }) {
+export function standaloneSvg({ parts, notes, size, title, subtitle, unseen }) {
     const style = getComputedStyle(parts[parts.length - 1].source);
-    const head = title ? HEAD : 0;
+    const head = (title ? HEAD : 0) + (subtitle ? SUBTITLE : 0);
     const [width, height] = [size.width, size.height + head];
     const whole = svg('svg', {
         width,
@@ -49,7 +53,7 @@ export function standaloneSvg({ parts, size, title, unseen }) {
     });
     const paper = getComputedStyle(parts[0].source.parentElement ?? parts[0].source).backgroundColor;
     whole.append(svg('title', {}, title), svg('rect', { width, height, fill: paper }));
-    if (head)
+    if (title)
         whole.append(
             svg(
                 'text',
@@ -57,8 +61,15 @@ export function standaloneSvg({ parts, size, title, unseen }) {
                 shorten(title, width - 2 * EDGE, TITLE_SIZE, 600),
             ),
         );
+    if (subtitle)
+        whole.append(
+            svg('text', { x: EDGE, y: head - 8, fill: style.color }, shorten(subtitle, width - 2 * EDGE)),
+        );
     const body = parts.map(({ source, place }) => svg('g', place, ...copies(source, style, unseen)));
-    whole.append(svg('g', { transform: translate(0, head) }, ...body));
+    const written = notes.map(({ text, x, y }) =>
+        svg('text', { x, y, dy: '0.35em', 'text-anchor': 'middle', fill: style.color }, text),
+    );
+    whole.append(svg('g', { transform: translate(0, head) }, ...body, ...written));
     const text =
         `<?xml version="1.0" encoding="UTF-8"?>\n${new XMLSerializer().serializeToString(whole)}\n`.replace(
             NO_XML,
@@ -112,8 +123,11 @@ function looksOf(element, root) {
     });
 }
 
-/** @param {Picture} picture @param {number} scale @returns {Promise<Blob>} */
-export async function toPng({ text, width, height }, scale) {
+/**
+ * @param {Picture} picture @param {number} scale @param {string} fault what is told where it can't be made
+ * @returns {Promise<Blob>}
+ */
+export async function toPng({ text, width, height }, scale, fault) {
     const address = URL.createObjectURL(new Blob([text], { type: 'image/svg+xml' }));
     try {
         const image = new Image();
@@ -123,11 +137,12 @@ export async function toPng({ text, width, height }, scale) {
         canvas.width = Math.round(width * scale);
         canvas.height = Math.round(height * scale);
         const context = canvas.getContext('2d');
-        if (!context) throw new Error('no canvas');
         context.drawImage(image, 0, 0, canvas.width, canvas.height);
         return await new Promise((done, failed) =>
-            canvas.toBlob((blob) => (blob ? done(blob) : failed(new Error('no picture'))), 'image/png'),
+            canvas.toBlob((blob) => (blob ? done(blob) : failed()), 'image/png'),
         );
+    } catch {
+        throw new Error(fault);
     } finally {
         URL.revokeObjectURL(address);
     }

@@ -15,6 +15,8 @@ const EMPTY = { minX: -2, maxX: 2, minY: -1, maxY: 3 };
 const FARTHEST_ROOF = 2.5;
 const FARTHEST_BOUND = 1;
 const LEAST_SPAN = 1.5; // decades, around a lone point
+const FAR = 2; // decades of nothing that set some points apart
+const FEW = 0.1; // of all points: those that may be set apart
 
 /** @param {View} view */
 export const shownRoofs = (view) => view.roofs.filter((roof) => !roof.hidden && roof.value > 0);
@@ -36,14 +38,53 @@ export function pointBounds({ points, totals }) {
     return box.minX <= box.maxX ? box : null;
 }
 
+/** @typedef {{x: number, y: number}} Place */
+/** @typedef {Record<'left'|'right'|'top'|'bottom', Place[]>} FarPlaces */
+
+/**
+ * The places along an axis, and the few at either end that lie far from all others.
+ * @param {Place[]} places
+ * @param {'x'|'y'} axis
+ */
+function splitEnds(places, axis) {
+    const sorted = [...places].sort((a, b) => a[axis] - b[axis]);
+    const gap = (/** @type {number} */ at) => sorted[at][axis] - sorted[at - 1][axis];
+    const most = Math.floor(FEW * sorted.length);
+    const counted = (/** @type {(count: number) => number} */ gapBehind) => {
+        let count = most;
+        while (count > 0 && !(gapBehind(count) > FAR)) --count;
+        return count;
+    };
+    const from = counted((count) => gap(count));
+    const to = sorted.length - counted((count) => gap(sorted.length - count));
+    return { low: sorted.slice(0, from), core: sorted.slice(from, to), high: sorted.slice(to) };
+}
+
+/**
+ * Points and totals that would shrink all others to a speck, by the end of the plot beyond which they lie,
+ * and where the others are.
+ * @param {{points: Place[], totals: Place[]}} view
+ * @returns {{box: Bounds|null, far: FarPlaces}}
+ */
+export function coreOf({ points, totals }) {
+    const places = [...points, ...totals];
+    const [x, y] = [splitEnds(places, 'x'), splitEnds(places, 'y')];
+    const far = { left: x.low, right: x.high, bottom: y.low, top: y.high };
+    if (!places.length) return { box: null, far };
+    const [minX, maxX] = [x.core[0].x, x.core[x.core.length - 1].x];
+    const [minY, maxY] = [y.core[0].y, y.core[y.core.length - 1].y];
+    return { box: { minX, maxX, minY, maxY }, far };
+}
+
 /**
  * The part of the plane that is shown before any zoom: the points, what the document adds around them, and
  * the ridges of the roofs.
  * @param {View} view
+ * @param {Bounds|null} points where they lie, as far as they are shown; null without any
  * @returns {Bounds}
  */
-export function homeBounds(view) {
-    const near = pointBounds(view) ?? view.bounds ?? EMPTY;
+export function homeBounds(view, points) {
+    const near = points ?? view.bounds ?? EMPTY;
     const box = { ...near };
     if (view.bounds) {
         box.minX = Math.min(box.minX, Math.max(view.bounds.minX, near.minX - FARTHEST_BOUND));

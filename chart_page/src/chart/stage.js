@@ -6,6 +6,7 @@ import { setFont, svg, translate } from './dom.js';
 
 const MARGIN = { left: 70, right: 18, top: 8, bottom: 54 };
 const BUTTONS = { width: 84, height: 32 };
+const ENDS = { left: '\u2190', right: '\u2192', top: '\u2191', bottom: '\u2193' };
 const LEAST = 60; // pixels of the plot in either direction
 let stages = 0;
 
@@ -34,7 +35,10 @@ export class Stage {
         this.m_status = make('p.chart-hidden', { role: 'status' });
         this.m_buttons = make('div.chart-buttons');
         this.svg.setAttribute('aria-describedby', this.m_help.id);
-        this.root.append(this.m_help, this.m_status, this.m_buttons);
+        /** @type {Record<string, HTMLButtonElement>} */
+        this.m_more = Object.fromEntries(Object.keys(ENDS).map((end) =>
+            [end, make(`button.chart-more.${end}`, { type: 'button', hidden: true })]));
+        this.root.append(this.m_help, this.m_status, this.m_buttons, ...Object.values(this.m_more));
         setFont(getComputedStyle(this.svg).fontFamily);
     }
 
@@ -108,6 +112,36 @@ export class Stage {
         }
     }
 
+    /** @param {() => void} action of those at the ends of the plot */
+    onMore(action) {
+        for (const end in this.m_more) this.m_more[end].onclick = action;
+    }
+
+    /**
+     * Says at each end how many points lie far beyond it.
+     * @param {Record<string, number>} counts @param {import('./view.js').View['texts']} texts
+     */
+    showMore(counts, texts) {
+        for (const [end, arrow] of Object.entries(ENDS)) {
+            const button = this.m_more[end];
+            button.hidden = !counts[end];
+            if (button.hidden) continue;
+            const parts = [texts('page_chart_more', counts[end]), arrow];
+            button.textContent = (end === 'right' ? parts : parts.reverse()).join(' ');
+            button.title = texts('page_chart_more_expl');
+        }
+    }
+
+    /** What stands at the ends of the plot, for a picture. @returns {import('./picture.js').Note[]} */
+    get notes() {
+        const corner = this.root.getBoundingClientRect();
+        return Object.values(this.m_more).filter((button) => !button.hidden).map((button) => {
+            const { left, top, width, height } = button.getBoundingClientRect();
+            return { text: button.textContent ?? '', x: left - corner.left + width / 2,
+                y: top - corner.top + height / 2 };
+        });
+    }
+
     /** Tells a screen reader. @param {string} text */
     tell(text) {
         this.m_status.textContent = text;
@@ -140,6 +174,11 @@ export class Stage {
         this.m_message.setAttribute('transform', translate(this.size.width / 2, this.size.height / 2));
         setStyle(this.m_window, { left: this.left, top: this.top, ...this.size });
         setStyle(this.m_buttons, { right: MARGIN.right, top: MARGIN.top - 2 });
+        const [low, middle] = [height - this.top - this.size.height + 6, this.left + this.size.width / 2];
+        setStyle(this.m_more.left, { left: this.left + 6, bottom: low });
+        setStyle(this.m_more.right, { right: MARGIN.right + 6, bottom: low });
+        setStyle(this.m_more.top, { left: middle, top: this.top + 6 });
+        setStyle(this.m_more.bottom, { left: middle, bottom: low });
     }
 
     /** @returns {import('./picture.js').Layers['parts']} */

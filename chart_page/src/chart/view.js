@@ -90,10 +90,13 @@
  * @property {Arrow[]} arrows
  * @property {Link[]} links
  * @property {'level'|'limit'} colourBy
+ * @property {Array<'memory'|'compute'|'none'>} without kinds of limits whose points are dimmed
+ * @property {string} zoom what is shown at first, as onZoom has told it; "" for the whole
  * @property {number|null} pinned row; also emphasised while another is hovered
  * @property {number|null} hovered row (of the table, or of the chart's own onHover)
  * @property {string} message in the middle where no point is drawn; may have several lines; else ""
- * @property {string} title of the exported picture
+ * @property {string} title of the saved picture
+ * @property {string} subtitle of the saved picture; ""
  * @property {(id: string, ...args: (string|number)[]) => string} texts
  */
 
@@ -102,6 +105,9 @@
  * @property {(row: number|null) => void} onHover the shell marks the row in its table; need not call back
  * @property {(row: number|null) => void} onPin the shell answers with update() or highlight()
  * @property {(roofKey: string) => void} onRoof a roof was clicked: the shell toggles `selected`
+ * @property {(kind: 'memory'|'compute'|'none') => void} onLimit a kind of the legend was pressed: the shell
+ *     toggles its place in `without`
+ * @property {(zoom: string) => void} onZoom the view has come to rest: its text, "" for the whole
  */
 
 /**
@@ -110,6 +116,7 @@
  *     extent of the points changed; without a zoom the whole is fitted to the roofs
  * @property {(hovered: number|null, pinned: number|null) => void} highlight cheap: changes the emphasis alone
  * @property {() => void} resetZoom
+ * @property {(zoom: string) => void} zoomTo shows what onZoom has told
  * @property {() => string} exportSvg a standalone SVG text of what is seen
  * @property {() => Promise<Blob>} exportPng the same at twice the size
  */

@@ -1,23 +1,33 @@
 // What part of the plane is seen: zoom and pan by wheel, drag and keys; a double click shows the whole.
 import { select } from 'd3-selection';
 import { zoom, zoomIdentity } from 'd3-zoom';
-import { homeBounds, makeMapping, pointBounds } from './scales.js';
+import { coreOf, homeBounds, makeMapping, pointBounds, shownBounds } from './scales.js';
 
 /** @typedef {import('./scales.js').Size} Size */
 /** @typedef {import('./view.js').View} View */
 
 const EXTENT = /** @type {[number, number]} */ ([0.2, 20000]);
 const CLICK = 4; // pixels that a click may move
+const PAUSE = 250; // milliseconds of rest after which a view counts
+const DIGITS = 6; // of the decimal logarithms that tell a view
 
 export class Zoom {
     /**
      * @param {SVGGElement} pane
-     * @param {{onChange: () => void, onMoving: (moving: boolean) => void}} callbacks
+     * @param {{onChange: () => void, onMoving: (moving: boolean) => void, onRest: (text: string) => void}}
+     *     callbacks
      */
-    constructor(pane, { onChange, onMoving }) {
+    constructor(pane, { onChange, onMoving, onRest }) {
         this.m_size = { width: 1, height: 1 };
         this.m_home = { minX: 0, maxX: 1, minY: 0, maxY: 1 };
         this.m_homeKey = '';
+        this.m_isWhole = false; // what lies far is shown too
+        this.m_core = coreOf({ points: [], totals: [] });
+        this.m_told = ''; // the text of the view that the shell knows of
+        /** @type {string|null} */
+        this.m_wanted = null; // a view that waits for the plot's size
+        this.m_pause = 0;
+        this.m_onRest = onRest;
         /** @type {View|null} */
         this.m_view = null;
         this.m_pane = /** @type {any} */ (select(pane));
@@ -34,7 +44,10 @@ export class Zoom {
                 onMoving(true);
                 onChange();
             })
-            .on('end', () => onMoving(false));
+            .on('end', () => {
+                onMoving(false);
+                this.m_tellLater();
+            });
         this.transform = zoomIdentity;
         // In place of the usual zoom in; a double tap comes here too.
         this.m_pane.call(this.m_zoom).on('dblclick.zoom', () => this.reset());
@@ -53,10 +66,63 @@ export class Zoom {
     fit(view) {
         this.m_view = view;
         const key = JSON.stringify([view.axes, view.bounds, pointBounds(view)]);
-        const { k, x, y } = this.transform;
-        if (key !== this.m_homeKey) this.reset();
-        else if (k === 1 && x === 0 && y === 0) this.m_home = homeBounds(view);
+        this.m_core = coreOf(view);
+        if (key !== this.m_homeKey) {
+            this.reset();
+            if (view.zoom !== this.m_told) this.m_wanted = view.zoom;
+        } else if (this.m_isHome) this.m_goHome();
         this.m_homeKey = key;
+    }
+
+    get m_isHome() {
+        const { k, x, y } = this.transform;
+        return k === 1 && x === 0 && y === 0;
+    }
+
+    m_goHome() {
+        const view = this.m_view;
+        if (view) this.m_home = homeBounds(view, this.m_isWhole ? pointBounds(view) : this.m_core.box);
+    }
+
+    /** What is seen: "x,y,width" of its middle, in decimal logarithms; "" for what is seen at first. */
+    get text() {
+        if (this.m_isHome && !this.m_isWhole) return '';
+        const { minX, maxX, minY, maxY } = shownBounds(this.map, this.m_size);
+        return [(minX + maxX) / 2, (minY + maxY) / 2, maxX - minX]
+            .map((value) => Number(value.toFixed(DIGITS)))
+            .join();
+    }
+
+    m_tellLater() {
+        clearTimeout(this.m_pause);
+        this.m_pause = setTimeout(() => {
+            const { text } = this;
+            if (this.m_wanted === null && text !== this.m_told) this.m_onRest((this.m_told = text));
+        }, PAUSE);
+    }
+
+    /** Shows a view by its text, as soon as the plot has a size; the whole for a text that tells none. */
+    show(/** @type {string} */ text) {
+        if (text === this.m_told && this.m_wanted === null) return;
+        this.m_wanted = text;
+        if (this.m_size.width > 1) this.m_showWanted();
+    }
+
+    m_showWanted() {
+        if (this.m_wanted === null) return;
+        const [x, y, width] = this.m_wanted.split(',').map(Number);
+        this.m_told = this.m_wanted;
+        this.m_wanted = null;
+        this.reset();
+        if (!(width > 0) || !Number.isFinite(x + y)) return;
+        const { minX, maxX } = this.m_home;
+        const k = Math.min(EXTENT[1], Math.max(EXTENT[0], (maxX - minX) / width));
+        const { ax, bx, ay, by } = this.map;
+        const { width: across, height } = this.m_size;
+        const moved = zoomIdentity
+            .translate(across / 2 - k * (ax * x + bx), height / 2 - k * (ay * y + by))
+            .scale(k);
+        this.m_pane.call(this.m_zoom.transform, moved);
     }
 
     /** Keeps what is in view when the plot's size changes. @param {Size} size */
@@ -69,6 +135,7 @@ export class Zoom {
             .scale(k);
         if (before.width !== size.width || before.height !== size.height)
             this.m_pane.call(this.m_zoom.transform, moved);
+        this.m_showWanted();
     }
 
     /** @param {number} factor @param {[number, number]|null} [around] pixels; null: the middle */
@@ -85,8 +152,22 @@ export class Zoom {
         this.m_pane.call(this.m_zoom.translateBy, dx / this.transform.k, dy / this.transform.k);
     }
 
-    reset() {
-        if (this.m_view) this.m_home = homeBounds(this.m_view);
+    /** @param {boolean} [isWhole] with what lies far from all else */
+    reset(isWhole = false) {
+        this.m_isWhole = isWhole;
+        this.m_goHome();
         this.m_pane.call(this.m_zoom.transform, zoomIdentity);
+    }
+
+    /** How many of what lies far can't be seen, by the end of the plot beyond which it lies. */
+    get unseen() {
+        const { minX, maxX, minY, maxY } = shownBounds(this.map, this.m_size);
+        const { left, right, top, bottom } = this.m_core.far;
+        return {
+            left: left.filter(({ x }) => x < minX).length,
+            right: right.filter(({ x }) => x > maxX).length,
+            top: top.filter(({ y }) => y > maxY).length,
+            bottom: bottom.filter(({ y }) => y < minY).length,
+        };
     }
 }
