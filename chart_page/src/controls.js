@@ -67,18 +67,19 @@ function setUpFields(side, state, onChoose) {
     const { threads } = side.result;
     const now = setUps.find((setUp) => setUpKey(setUp) === state.setUp) ?? null;
     const distinct = (member) => [...new Set(setUps.map((setUp) => setUp[member]))].sort((a, b) => a - b);
-    // A run's threads are taken to share as few packages as hold them.
-    const run = { ...setUps[0], threadCount: threads?.usedNumberOfThreads,
-        packageCount: distinct('packageCount')[0] };
+    const used = threads?.usedNumberOfThreads;
+    const packages = distinct('packageCount');
+    // A run's threads are taken to share as few packages as hold them; a device is used whole.
+    const holdsRun = (count) =>
+        setUps.some(({ packageCount, threadCount }) => packageCount === count && threadCount >= used);
+    const run = { ...setUps[0], threadCount: used, packageCount: packages.find(holdsRun) ?? packages.at(-1) };
     const move = (wanted) => onChoose(setUpKey(nearestSetUp(setUps, now ?? run, wanted)));
     const field = (name, choices, value, onPick) => make('label', { title: texts(`page_${name}_expl`) },
         make('span.caption', null, texts(`page_${name}`)),
         make('select', { 'data-focus': name, onchange: (event) => onPick(event.target.value) },
             ...choices.map(([key, caption]) =>
                 make('option', { value: key, selected: String(key) === String(value) }, caption))));
-    const used = threads?.usedNumberOfThreads;
     const asRun = ['', used ? texts('page_as_run_threads', used) : texts('page_as_run')];
-    const packages = distinct('packageCount');
     const options = threads?.group?.options ?? [];
     const captions = new Map([...options.map(({ value, caption }) => [value, caption]),
         ...setUps.filter(({ caption }) => caption).map((setUp) => [setUp.packageCount, setUp.caption])]);

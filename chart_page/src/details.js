@@ -46,8 +46,12 @@ export function showDetails(item, sides, details, onClose) {
 function pairTable({ sides: [base, next], pair }) {
     // Points of different levels can't be compared.
     const at = (row, wanted) => row.points.find((point) => point && point.level === wanted);
-    const level = base.points.find((point) => point && at(next, point.level));
-    const point = (row, axis) => number(level ? 10 ** at(row, level.level)[axis] : null);
+    const level = base.points.find((point) => point && at(next, point.level))
+        ?? [...base.points, ...next.points].find(Boolean);
+    const point = (row, axis) => {
+        const found = level && at(row, level.level);
+        return number(found ? 10 ** found[axis] : null);
+    };
     const captionOf = (id) => texts(`page_column_${id}`);
     const line = (id, cell, caption = captionOf(id)) => [caption, cell(base), cell(next)];
     const levelLine = (id, axis) => line(id, (row) => point(row, axis),

@@ -74,7 +74,7 @@ export async function loadScene(model, source, tokens) {
  */
 async function loadSide(source, result, number, tokens, isStrict) {
     const groups = readGroups(result);
-    const lacking = isStrict && groups.some((group) => group.isLevels && !offers(group, tokens));
+    const lacking = isStrict && !hasLevelOf(result, groups, tokens);
     const selection = select(groups, tokens);
     const wanted = configurations(groups, selection);
     const [roofs, ...loaded] = await Promise.all([
@@ -90,9 +90,18 @@ async function loadSide(source, result, number, tokens, isStrict) {
     return { number, result, levels, roofs, rows: makeRows(result, levels, total, cause) };
 }
 
-/** A chart's axes and roofs alone. */
+/** Whether the result has one of the wanted levels, to choose or as its only one. */
+function hasLevelOf(result, groups, tokens) {
+    const choice = groups.find((group) => group.isLevels);
+    const { memoryLevel } = result.template;
+    return choice ? offers(choice, tokens) : !memoryLevel || tokens.includes(memoryLevel);
+}
+
+/** A chart's axes and roofs, and the times of its rows. */
 const withoutPoints = (chart) => ({
-    ...chart, document: { ...chart.document, programTotal: [] }, loops: {}, parents: null, causes: null,
+    ...chart, document: { ...chart.document, programTotal: [] }, parents: null, causes: null,
+    loops: Object.fromEntries(Object.entries(chart.loops ?? {})
+        .filter(([key]) => key.endsWith('ElapsedTime'))),
 });
 
 /** A column of a chart by the key of the loop records; empty where the chart hasn't one. */
@@ -141,8 +150,8 @@ function makeRows(result, levels, total, why) {
             calls: rows.calls[i],
             limit: dictionary[rows.limit[i]] ?? '', limitKind: rows.limitKind[i], fraction: rows.fraction[i],
             speedUp, points,
-            // The verdict is of the row's own data, or of all.
-            gain: gainOf(rows.withCallees[i] ? time : rows.time[i], speedUp),
+            // Of the time that the verdict is of: with all that it calls it is known with call stacks alone.
+            gain: gainOf(rows.withCallees[i] ? totalTime : rows.time[i], speedUp),
             // Shown with all that it calls it is what the verdict is of.
             withCallees: rows.withCallees[i] && totalTime === null,
             doubt: rows.withCallees[i] && totalTime !== null ? '' : doubts[i],

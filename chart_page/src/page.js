@@ -186,7 +186,7 @@ export class Page {
             if (this.m_pinned === item) this.m_side.showDetails(item, sides, found);
         } catch (error) {
             if (this.m_pinned !== item) return;
-            this.m_side.showDetails(item, sides, []);
+            this.m_side.showDetails(item, sides, item.sides.map(() => false)); // neither there nor left out
             this.m_fail(error);
         }
     }

@@ -12,7 +12,7 @@
  * @property {string} sort column; "" for the list's own order
  * @property {boolean} descending
  * @property {Array<'memory'|'compute'|'none'>} without kinds of limits whose rows are left out
- * @property {string} zoom "x,y,width" of what the chart shows, decimal logarithms; "" for the whole
+ * @property {string} zoom "x,y,width,height" of what the chart shows, decimal logarithms; "" at first
  * @property {string} pinned "side:hash:id"; "" for none
  * @property {string} list of the side panel
  */

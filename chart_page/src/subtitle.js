@@ -11,7 +11,8 @@ function placeOf({ result, roofs }, state) {
     if (!setUp) return result.place;
     const { caption, threadCount, packageCount, strategyId } = setUp;
     if (caption) return caption;
-    const threads = strategyId === 'rsiSingleThread' ? texts('page_place_single', threadCount)
+    const isSingle = threadCount > 1 && strategyId === 'rsiSingleThread';
+    const threads = isSingle ? texts('page_place_single', threadCount)
         : numbered('page_place_thread', threadCount);
     return `${threads} ${numbered('page_place_package', packageCount)}`;
 }

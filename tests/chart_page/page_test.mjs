@@ -224,7 +224,7 @@ test('threads and packages of the roofs change one by one, from those of the run
     assert.deepEqual(await choices(), ['as run (8)', 'as run']);
     for (const [field, value, expected] of [['packages', '2', ['8', '2']], ['threads', '4', ['4', '2']],
         ['packages', '1', ['4', '1']], ['threads', '', ['as run (8)', 'as run']],
-        ['threads', '2', ['2', '1']]]) {
+        ['threads', '2', ['2', '2']]]) {
         await page.selectOption(`[data-focus=${field}]`, value);
         assert.deepEqual(await choices(), expected);
     }
@@ -240,6 +240,15 @@ test('a few points far from all others are told at the edge, until they are aske
     await more.click();
     await more.waitFor({ state: 'hidden' });
     assert.equal(await beyond(), 0);
+    await page.waitForURL(/zoom=/);
+    const shown = await readPoints(page);
+    await page.reload();
+    await page.waitForSelector('.points > path');
+    assert.deepEqual(await readPoints(page), shown);
+    await page.dblclick('.catch', { position: { x: 30, y: 10 } });
+    await more.waitFor();
+    await page.fill('#search', 'no such row');
+    await more.waitFor({ state: 'hidden' });
 });
 
 test('the legend leaves kinds of limits out, and the address keeps that with the zoom', async (t) => {

@@ -113,10 +113,13 @@ export class Overlays {
                 });
             this.m_arrows[i].setAttribute('d', arrows.join(''));
         });
-        const texts = view.totals.flatMap((total, i) => {
-            const [x, y] = [map.ax * total.x + map.bx, map.ay * total.y + map.by];
+        const places = view.totals.map(({ x, y }) => [map.ax * x + map.bx, map.ay * y + map.by]);
+        places.forEach(([x, y], i) => {
             this.m_totals.children[i].setAttribute('transform', translate(x, y));
             placer.block(makeBox(x, y, 16, 16));
+        });
+        const texts = view.totals.flatMap((total, i) => {
+            const [x, y] = places[i];
             const name = shorten(totalName(total, view.texts), TOTAL_ROOM, 12, 600);
             const place = placer.place(placesAround(x, y, 9, textWidth(name, 12, 600) + 4));
             return place

@@ -16,6 +16,7 @@ const PROPERTIES = {
     'paint-order': 'normal',
     opacity: '1',
     'font-weight': '400',
+    'text-decoration-line': 'none',
     'font-size': '', // '': that of the whole picture
 };
 const INTERNAL = /^(class|tabindex|role|aria-.*|data-.*|focusable)$/;

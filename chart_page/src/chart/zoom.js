@@ -1,4 +1,4 @@
-// What part of the plane is seen: zoom and pan by wheel, drag and keys; a double click shows the whole.
+// What part of the plane is seen: zoom and pan by wheel, drag and keys; a double click goes to the start.
 import { select } from 'd3-selection';
 import { zoom, zoomIdentity } from 'd3-zoom';
 import { coreOf, homeBounds, makeMapping, pointBounds, shownBounds } from './scales.js';
@@ -10,6 +10,9 @@ const EXTENT = /** @type {[number, number]} */ ([0.2, 20000]);
 const CLICK = 4; // pixels that a click may move
 const PAUSE = 250; // milliseconds of rest after which a view counts
 const DIGITS = 6; // of the decimal logarithms that tell a view
+// Decimal logarithms that a view may tell of: the middle, and the sides.
+const FARTHEST = 400;
+const [LEAST_SIDE, MOST_SIDE] = [1e-5, 1000];
 
 export class Zoom {
     /**
@@ -22,6 +25,7 @@ export class Zoom {
         this.m_home = { minX: 0, maxX: 1, minY: 0, maxY: 1 };
         this.m_homeKey = '';
         this.m_isWhole = false; // what lies far is shown too
+        this.m_isMoved = false; // by the reader, away from what is seen at first
         this.m_core = coreOf({ points: [], totals: [] });
         this.m_told = ''; // the text of the view that the shell knows of
         /** @type {string|null} */
@@ -41,6 +45,7 @@ export class Zoom {
             // Not on 'start': the end of a wheel's turn may come in the midst of a drag.
             .on('zoom', (/** @type {any} */ event) => {
                 this.transform = event.transform;
+                this.m_isMoved = true;
                 onMoving(true);
                 onChange();
             })
@@ -59,8 +64,8 @@ export class Zoom {
     }
 
     /**
-     * Shows the whole of a view with other axes or points. Where only roofs have moved, the whole follows
-     * them and a closer look stays where it is.
+     * Goes to the start of a view with other axes or points. Where only roofs have moved, the start follows
+     * them and a look elsewhere stays where it is.
      * @param {View} view
      */
     fit(view) {
@@ -70,13 +75,8 @@ export class Zoom {
         if (key !== this.m_homeKey) {
             this.reset();
             if (view.zoom !== this.m_told) this.m_wanted = view.zoom;
-        } else if (this.m_isHome) this.m_goHome();
+        } else if (!this.m_isMoved) this.m_goHome();
         this.m_homeKey = key;
-    }
-
-    get m_isHome() {
-        const { k, x, y } = this.transform;
-        return k === 1 && x === 0 && y === 0;
     }
 
     m_goHome() {
@@ -84,11 +84,11 @@ export class Zoom {
         if (view) this.m_home = homeBounds(view, this.m_isWhole ? pointBounds(view) : this.m_core.box);
     }
 
-    /** What is seen: "x,y,width" of its middle, in decimal logarithms; "" for what is seen at first. */
+    /** What is seen: "x,y,width,height", x and y of its middle, in decimal logarithms; "" at first. */
     get text() {
-        if (this.m_isHome && !this.m_isWhole) return '';
+        if (!this.m_isMoved && !this.m_isWhole) return '';
         const { minX, maxX, minY, maxY } = shownBounds(this.map, this.m_size);
-        return [(minX + maxX) / 2, (minY + maxY) / 2, maxX - minX]
+        return [(minX + maxX) / 2, (minY + maxY) / 2, maxX - minX, maxY - minY]
             .map((value) => Number(value.toFixed(DIGITS)))
             .join();
     }
@@ -101,7 +101,7 @@ export class Zoom {
         }, PAUSE);
     }
 
-    /** Shows a view by its text, as soon as the plot has a size; the whole for a text that tells none. */
+    /** Shows a view by its text, as soon as the plot has a size; the start for a text that tells none. */
     show(/** @type {string} */ text) {
         if (text === this.m_told && this.m_wanted === null) return;
         this.m_wanted = text;
@@ -110,19 +110,20 @@ export class Zoom {
 
     m_showWanted() {
         if (this.m_wanted === null) return;
-        const [x, y, width] = this.m_wanted.split(',').map(Number);
+        const [x, y, ...sides] = this.m_wanted.split(',').map(Number);
         this.m_told = this.m_wanted;
         this.m_wanted = null;
         this.reset();
-        if (!(width > 0) || !Number.isFinite(x + y)) return;
+        const isSide = (/** @type {number} */ side) => side >= LEAST_SIDE && side <= MOST_SIDE;
+        if (sides.length !== 2 || !sides.every(isSide)) return;
+        if (!(Math.abs(x) <= FARTHEST && Math.abs(y) <= FARTHEST)) return;
         const { minX, maxX } = this.m_home;
-        const k = Math.min(EXTENT[1], Math.max(EXTENT[0], (maxX - minX) / width));
-        const { ax, bx, ay, by } = this.map;
-        const { width: across, height } = this.m_size;
-        const moved = zoomIdentity
-            .translate(across / 2 - k * (ax * x + bx), height / 2 - k * (ay * y + by))
-            .scale(k);
-        this.m_pane.call(this.m_zoom.transform, moved);
+        const k = Math.min(EXTENT[1], Math.max(EXTENT[0], (maxX - minX) / sides[0]));
+        // Of the view's own shape: that of the start may have been another one.
+        const [width, height] = sides.map((side) => (k * side) / 2);
+        this.m_home = { minX: x - width, maxX: x + width, minY: y - height, maxY: y + height };
+        this.m_pane.call(this.m_zoom.transform, zoomIdentity);
+        this.scale(k);
     }
 
     /** Keeps what is in view when the plot's size changes. @param {Size} size */
@@ -133,8 +134,11 @@ export class Zoom {
         const moved = zoomIdentity
             .translate((x * size.width) / before.width, (y * size.height) / before.height)
             .scale(k);
-        if (before.width !== size.width || before.height !== size.height)
+        if (before.width !== size.width || before.height !== size.height) {
+            const isMoved = this.m_isMoved;
             this.m_pane.call(this.m_zoom.transform, moved);
+            this.m_isMoved = isMoved;
+        }
         this.m_showWanted();
     }
 
@@ -157,17 +161,23 @@ export class Zoom {
         this.m_isWhole = isWhole;
         this.m_goHome();
         this.m_pane.call(this.m_zoom.transform, zoomIdentity);
+        this.m_isMoved = false;
     }
 
-    /** How many of what lies far can't be seen, by the end of the plot beyond which it lies. */
+    /**
+     * How many of what lies far can't be seen, by the end of the plot beyond which it lies. What a search or
+     * a filter leaves out doesn't count.
+     */
     get unseen() {
         const { minX, maxX, minY, maxY } = shownBounds(this.map, this.m_size);
         const { left, right, top, bottom } = this.m_core.far;
+        const count = (/** @type {any[]} */ places, /** @type {(place: any) => boolean} */ isBeyond) =>
+            places.filter((place) => !place.dimmed && isBeyond(place)).length;
         return {
-            left: left.filter(({ x }) => x < minX).length,
-            right: right.filter(({ x }) => x > maxX).length,
-            top: top.filter(({ y }) => y > maxY).length,
-            bottom: bottom.filter(({ y }) => y < minY).length,
+            left: count(left, ({ x }) => x < minX),
+            right: count(right, ({ x }) => x > maxX),
+            top: count(top, ({ y }) => y > maxY),
+            bottom: count(bottom, ({ y }) => y < minY),
         };
     }
 }
