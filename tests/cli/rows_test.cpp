@@ -176,6 +176,13 @@ TEST_F(Rows, JsonHoldsTheLibrarysVerdictInFullPrecision) {
         EXPECT_EQ(numberOf(rowOf(document, row), key), number) << key;
     EXPECT_TRUE(json::flag(rowOf(document, "2"), "valid"));
     EXPECT_FALSE(json::flag(rowOf(document, "4"), "valid"));
+    const std::tuple<const char*, const char*, const char*> words[] = {
+        {"2", "limiting_roof", "DP Vector FMA Peak"},
+        {"3", "limiting_roof", "L1 Bandwidth"},
+        {"3", "exceeded_compute_roof", "Scalar Add Peak"},
+        {"4", "exceeded_memory_roof", "L1 Bandwidth"},
+        {"5", "cause", "no operations"}};
+    for (const auto& [id, key, word] : words) EXPECT_EQ(json::text(rowOf(document, id), key), word) << id;
     EXPECT_TRUE(json::member(rowOf(document, "4"), "limiting_roof")->IsNull());
     EXPECT_TRUE(json::member(rowOf(document, "5"), "performance_gop_per_s")->IsNull());
 }

@@ -133,11 +133,12 @@ TEST(CpuLoopParams, AreBoundForTheLifeOfTheInitializer) {
     EXPECT_TRUE(!none.isValid() && none.getExpr().empty() && none.getValue(dataset, nullptr).isEmpty());
 }
 
-TEST(CpuCaptions, FollowTheConfiguration) {
+TEST(CpuCaptions, FollowTheConfigurationAndAreTranslatedOnce) {
     const std::tuple<RooflineTypes, const char*, const char*, const char*> rows[]{
         {{"f", "1"}, "FLOP/byte", "GFLOP/s", "}"},
         {{"i", "0"}, "INTOP/byte", "GINTOP/s", R"(,"namePref":"Self","namePref1":"Total"})"},
-        {{"b", "1"}, "(INTOP+FLOP)/byte", "(GINTOP+GFLOP)/s", "}"}};
+        {{"b", "1"}, "(INTOP+FLOP)/byte", "(GINTOP+GFLOP)/s", "}"},
+        {{"f", "1"}, "FLOP/byte", "GFLOP/s", "}"}};
     for (const auto& [types, x, y, rest] : rows)
         EXPECT_EQ(rabbit::writeObject([&, t = types](rabbit::object& object) {
                       addRooflineProperties(object, getCpuTables().properties, RooflineConfiguration(t));

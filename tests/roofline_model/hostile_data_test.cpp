@@ -192,8 +192,11 @@ TEST(HostileData, OfARegionIsAnsweredWithTextsThatParse) {
         const auto viewModel = hostileViewModel();
         const auto dataset = viewModel->datasets[DataType::Cpu];
         for (const auto& row : dataset ? rowsOf(dataset) : std::vector<sptr_t<RowNode>>{nullptr})
-            if (const auto region = createOffloadRowRooflineInfo(row, dataset, viewModel->roofs, pick(0, 2)))
+            if (const auto region =
+                    createOffloadRowRooflineInfo(row, dataset, viewModel->roofs, pick(0, 2) == 0)) {
                 sweepRow(*region);
+                RC_ASSERT(region->getMemoryRoofs().empty() || viewModel->roofs);
+            }
         RC_ASSERT(!createOffloadRowRooflineInfo(nullptr, dataset, viewModel->roofs, false)->isValid());
     }));
 }
@@ -210,6 +213,7 @@ TEST(HostileData, OfARowIsAnsweredWithTextsThatParse) {
                                                        std::make_shared<RoofThreadingFeatures>());
                 RC_ASSERT(row != nullptr);
                 sweepRow(*row);
+                RC_ASSERT(faultOf(row->getRooflineData()) == std::string());
                 valid += row->isValid();
             }
         const std::string configuration = *rc::gen::element("", "f-1", "i-1", "b-0", "f-0-L1-DRAM-load", "x");

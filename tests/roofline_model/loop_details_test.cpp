@@ -98,6 +98,14 @@ TEST(LoopDetails, SayWhatLimitsTheLoop) {
     }
 }
 
+TEST(LoopDetails, OfARowThatIsNotInnermostNeedTotalData) {
+    const auto view = makeViewModel(makeDataset("a NestingLevel=1u SelfGFlops=1 SelfFloatAi=1"));
+    view->roofs = std::make_shared<RoofTable>();
+    const auto text = createRooflineInfo(view)->getLoopAdditionalInfo(R"({"item": 1})", nullptr, "f-1");
+    EXPECT_EQ(textOf(parse(text)[0]["bottleneck"]["messages"][0]),
+              roofline::translate("roofline_bottleneck_no_stacks_error"));
+}
+
 TEST(RoofParams, AreReadOfTheRequest) {
     constexpr ThreadsInfo kMachine{16, 2, 6};
     const std::tuple<const char*, const char*, ThreadsInfo> requests[]{
